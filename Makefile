@@ -1,0 +1,50 @@
+# Two commands set everything up on a fresh machine:
+#   make run   installs what is missing, builds, and lists the bundled sample image
+#   make test  installs what is missing, builds, and runs every test (plain and sanitized)
+
+BUILD      ?= build
+BUILD_ASAN ?= build-asan
+JOBS       ?= 2
+# Builds of several work trees on one machine take turns, so that two compilers never share
+# the two cores.
+LOCK       := flock /tmp/ovrin-build.lock
+CMAKE_GEN  := -G Ninja -DCMAKE_CXX_COMPILER_LAUNCHER=ccache -DCMAKE_C_COMPILER_LAUNCHER=ccache
+
+.PHONY: all deps configure build run test test-plain test-asan fuzz-long bench format clean
+
+all: build
+
+deps:
+	@scripts/install-deps.sh
+
+$(BUILD)/build.ninja:
+	cmake -S . -B $(BUILD) $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=RelWithDebInfo
+
+configure: deps $(BUILD)/build.ninja
+
+build: configure
+	$(LOCK) cmake --build $(BUILD) -j $(JOBS)
+
+run: build
+	$(BUILD)/bin/ovrin-cli list $(BUILD)/bin/sample.iso
+
+test-plain: build
+	cd $(BUILD) && ctest --output-on-failure -j $(JOBS)
+
+$(BUILD_ASAN)/build.ninja:
+	cmake -S . -B $(BUILD_ASAN) $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=Debug -DOVRIN_SANITIZE=ON
+
+test-asan: deps $(BUILD_ASAN)/build.ninja
+	$(LOCK) cmake --build $(BUILD_ASAN) -j $(JOBS)
+	cd $(BUILD_ASAN) && ctest --output-on-failure -j $(JOBS) -LE slow
+
+test: test-plain test-asan
+
+bench: build
+	bench/list-bench.sh $(BUILD)/bin/ovrin-cli
+
+format:
+	git ls-files '*.cpp' '*.h' | xargs clang-format -i
+
+clean:
+	rm -rf $(BUILD) $(BUILD_ASAN)
