@@ -36,7 +36,9 @@ inline constexpr Guid kIidUnknown = {
 // Results are signed 32-bit codes; negative means failure.
 using Result = int32_t;
 
-constexpr Result MakeResult(uint32_t code) { return static_cast<Result>(code); }
+constexpr Result MakeResult(uint32_t code) {
+    return static_cast<Result>(code);
+}
 
 inline constexpr Result kOk = 0;
 inline constexpr Result kFalse = 1;
@@ -81,15 +83,24 @@ static_assert(sizeof(FileTime) == 8 && alignof(FileTime) == 4);
 inline constexpr size_t kVolIdChars = 66;
 inline constexpr size_t kNameChars = 282;
 
+// The engine's own use of fsInfo's first field, which the contract leaves free: the file
+// system whose tree it serves.
+enum FileSystemKind : uint32_t {
+    kFsUnknown = 0,
+    kFsIso9660 = 1,
+    kFsJoliet = 2,
+    kFsRockRidge = 3,
+};
+
 // The volume description filled by IQmzFileSystem::GetFsInfo.
 struct fsInfo {
-    uint32_t uReserved;
+    uint32_t uFileSystem;
     uint32_t uCount1;
     uint32_t uCount2;
     char16_t strVolID[kVolIdChars];
 };
 static_assert(sizeof(fsInfo) == 144);
-static_assert(offsetof(fsInfo, uReserved) == 0);
+static_assert(offsetof(fsInfo, uFileSystem) == 0);
 static_assert(offsetof(fsInfo, uCount1) == 4);
 static_assert(offsetof(fsInfo, uCount2) == 8);
 static_assert(offsetof(fsInfo, strVolID) == 12);

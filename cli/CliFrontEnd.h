@@ -1,0 +1,36 @@
+// What a terminal needs around a long operation of the image reader: Ctrl+C becomes a stop
+// request, progress is shown on standard error when it is a terminal, and failures become
+// sentences.
+#pragma once
+
+#include "contract/QmzTypes.h"
+
+#include <QString>
+#include <chrono>
+
+class CImageReader;
+
+class CliFrontEnd {
+public:
+    explicit CliFrontEnd(CImageReader& reader);
+    ~CliFrontEnd();
+    CliFrontEnd(const CliFrontEnd&) = delete;
+    CliFrontEnd& operator=(const CliFrontEnd&) = delete;
+
+    // Clears the progress line, if one is shown.
+    void EndProgress();
+    bool WasInterrupted() const;
+
+    // A sentence that says what went wrong, for an image that failed to open.
+    static QString DescribeOpenFailure(qmz::Result hr, const QString& imagePath, bool bHasEngine);
+
+private:
+    static void PumpThunk(void* pContext);
+    void Pump();
+
+    CImageReader& m_reader;
+    bool m_bShowProgress;
+    bool m_bProgressShown = false;
+    int32_t m_nShownPercent = -1;
+    std::chrono::steady_clock::time_point m_lastProgress;
+};

@@ -1,0 +1,115 @@
+#include "TreePrinter.h"
+
+#include "COvDataItem.h"
+#include "FileTimeConversion.h"
+
+#include <deque>
+#include <utility>
+
+namespace {
+
+constexpr size_t kFlushBytes = 1 << 20;
+
+void AppendDecimal(std::string& out, uint64_t value, int minDigits) {
+    char digits[24];
+    int n = 0;
+    do {
+        digits[n++] = static_cast<char>('0' + value % 10);
+        value /= 10;
+    } while (value != 0);
+    for (int i = n; i < minDigits; ++i) {
+        out += '0';
+    }
+    while (n > 0) {
+        out += digits[--n];
+    }
+}
+
+void AppendCodePoint(std::string& out, char32_t cp) {
+    if (cp < 0x80) {
+        out += static_cast<char>(cp);
+    } else if (cp < 0x800) {
+        out += static_cast<char>(0xC0 | (cp >> 6));
+        out += static_cast<char>(0x80 | (cp & 0x3F));
+    } else if (cp < 0x10000) {
+        out += static_cast<char>(0xE0 | (cp >> 12));
+        out += static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
+        out += static_cast<char>(0x80 | (cp & 0x3F));
+    } else {
+        out += static_cast<char>(0xF0 | (cp >> 18));
+        out += static_cast<char>(0x80 | ((cp >> 12) & 0x3F));
+        out += static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
+        out += static_cast<char>(0x80 | (cp & 0x3F));
+    }
+}
+
+} // namespace
+
+void TreePrinter::AppendUtf8(std::string& out, const char16_t* pText, size_t nChars) {
+    for (size_t i = 0; i < nChars; ++i) {
+        char32_t cp = pText[i];
+        if (cp == u'\n') {
+            out += "\\n";
+            continue;
+        }
+        if (cp >= 0xD800 && cp <= 0xDBFF && i + 1 < nChars && pText[i + 1] >= 0xDC00 &&
+            pText[i + 1] <= 0xDFFF) {
+            cp = 0x10000 + ((cp - 0xD800) << 10) + (pText[++i] - 0xDC00);
+        } else if (cp >= 0xD800 && cp <= 0xDFFF) {
+            cp = 0xFFFD;
+        }
+        AppendCodePoint(out, cp);
+    }
+}
+
+void TreePrinter::AppendTime(std::string& out, uint64_t utcTicks) {
+    const filetime::CivilTime t = filetime::ToCivil(utcTicks);
+    AppendDecimal(out, static_cast<uint64_t>(t.year), 4);
+    out += '-';
+    AppendDecimal(out, static_cast<uint64_t>(t.month), 2);
+    out += '-';
+    AppendDecimal(out, static_cast<uint64_t>(t.day), 2);
+    out += 'T';
+    AppendDecimal(out, static_cast<uint64_t>(t.hour), 2);
+    out += ':';
+    AppendDecimal(out, static_cast<uint64_t>(t.minute), 2);
+    out += ':';
+    AppendDecimal(out, static_cast<uint64_t>(t.second), 2);
+    out += 'Z';
+}
+
+bool TreePrinter::PrintList(const COvDataItem& root) {
+    std::deque<std::pair<const COvDataItem*, std::string>> folders;
+    folders.emplace_back(&root, std::string());
+    while (!folders.empty()) {
+        auto [pFolder, prefix] = std::move(folders.front());
+        folders.pop_front();
+        for (const COvDataItem* pChild : pFolder->m_vecChildren) {
+            m_buffer += pChild->IsFolder() ? "d " : "- ";
+            AppendDecimal(m_buffer, pChild->m_ullSize, 1);
+            m_buffer += ' ';
+            AppendTime(m_buffer, (static_cast<uint64_t>(pChild->m_ftTime.dwHighDateTime) << 32) |
+                                     pChild->m_ftTime.dwLowDateTime);
+            m_buffer += ' ';
+            const size_t nPathStart = m_buffer.size();
+            m_buffer += prefix;
+            AppendUtf8(m_buffer, reinterpret_cast<const char16_t*>(pChild->m_strName.utf16()),
+                       static_cast<size_t>(pChild->m_strName.size()));
+            if (pChild->IsFolder()) {
+                folders.emplace_back(pChild, m_buffer.substr(nPathStart) + '/');
+            }
+            m_buffer += '\n';
+            if (m_buffer.size() >= kFlushBytes && !Flush()) {
+                return false;
+            }
+        }
+    }
+    return Flush();
+}
+
+bool TreePrinter::Flush() {
+    const size_t nWritten = std::fwrite(m_buffer.data(), 1, m_buffer.size(), m_pOut);
+    const bool bOk = nWritten == m_buffer.size();
+    m_buffer.clear();
+    return bOk && std::fflush(m_pOut) == 0;
+}

@@ -1,0 +1,25 @@
+// Writes the tree of an opened image as text, one entry a line, for people and scripts.
+#pragma once
+
+#include <cstdio>
+#include <string>
+
+class COvDataItem;
+
+class TreePrinter {
+public:
+    explicit TreePrinter(std::FILE* pOut) : m_pOut(pOut) {}
+
+    // Breadth first, each folder's children in their sorted order:
+    // "d|- SIZE YYYY-MM-DDTHH:MM:SSZ path/from/root". Returns false when writing failed.
+    bool PrintList(const COvDataItem& root);
+
+    static void AppendUtf8(std::string& out, const char16_t* pText, size_t nChars);
+    static void AppendTime(std::string& out, uint64_t utcTicks);
+
+private:
+    bool Flush();
+
+    std::FILE* m_pOut;
+    std::string m_buffer;
+};

@@ -1,0 +1,105 @@
+// The one object through which the program reaches an image: it loads and drives the engine,
+// opens an image and walks it into a tree of COvDataItem nodes.
+#pragma once
+
+#include "NamedMutex.h"
+#include "contract/IQmzDrive.h"
+#include "contract/IQmzEngine.h"
+#include "contract/IQmzFileSystem.h"
+#include "contract/IQmzReader.h"
+
+#include <QString>
+#include <cstdint>
+
+class CEngineModule;
+class COvDataItem;
+
+// Notification codes sent to the callback.
+enum : uint32_t {
+    NOTIFY_COPY_BEGIN = 0x8001,
+    NOTIFY_COPY_END = 0x8002,
+    NOTIFY_NO_ROOM = 0x8004,
+    NOTIFY_OPEN_BEGIN = 0x8005,
+    NOTIFY_OPEN_END = 0x8006,
+    NOTIFY_WRITE_FAILED = 0x8007,
+    NOTIFY_READ_FAILED = 0x8008,
+    NOTIFY_ACCESS_DENIED = 0x8009,
+    NOTIFY_STOPPING = 0x800A,
+};
+
+// Query codes of GetProgress.
+enum : int32_t { PROGRESS_OPEN = 5000, PROGRESS_COPY = 5001 };
+
+// Payloads are null-terminated paths that live only during the call.
+using ImageReaderCallback = void (*)(uint32_t code, const char16_t* pPayload, void* pContext);
+// Lets the front end's events run during long work: a window processes its messages, a
+// terminal program notices Ctrl+C. A stop request arrives through SetStop.
+using ImageReaderPump = void (*)(void* pContext);
+
+class CImageReader {
+public:
+    // Loads the engine beside the executable, or from enginePath when one is given.
+    explicit CImageReader(const QString& enginePath = QString());
+    ~CImageReader();
+    CImageReader(const CImageReader&) = delete;
+    CImageReader& operator=(const CImageReader&) = delete;
+
+    int SetCallback(ImageReaderCallback pfnCallback, void* pContext);
+    void SetPump(ImageReaderPump pfnPump, void* pContext);
+    bool IsOpening() const { return m_bOpening != 0; }
+    int32_t GetProgress(int32_t query, int32_t* pPercent) const;
+    void SetStop(int32_t bStop) { m_bStop = bStop; }
+    bool IsCopying() const { return m_bCopying != 0; }
+    void SetCopyPercent(int32_t nPercent) { m_nCopyPercent = nPercent; }
+    void SetTotalBytes(uint64_t ullBytes) { m_ullTotalBytes = ullBytes; }
+    void SetDoneBytes(uint64_t ullBytes) { m_ullDoneBytes = ullBytes; }
+    uint64_t GetDoneBytes() const { return m_ullDoneBytes; }
+
+    qmz::Result OpenImage(const QString& imagePath, COvDataItem* pRoot);
+    qmz::Result ReopenImage();
+    void CloseImage();
+
+    qmz::Result ConnectEngine();
+    void DisconnectEngine();
+    qmz::Result CanOpen(const QString& imagePath);
+
+    // The engine's word on which file system it read (the first field of fsInfo).
+    uint32_t GetFileSystemKind() const { return m_uFileSystemKind; }
+    const QString& GetImagePath() const { return m_szImagePath; }
+    bool IsImageOpen() const { return m_pFileSystem != nullptr; }
+    bool HasEngine() const { return m_pEngine != nullptr; }
+
+private:
+    qmz::Result OpenEngineObjects(const QString& imagePath, int32_t nPercentLimit);
+    qmz::Result CreateEngineReader();
+    qmz::Result WaitForScan(qmz::Result hr, int32_t nPercentLimit);
+    qmz::Result StopScan();
+    qmz::Result WalkTree(COvDataItem* pRoot);
+    qmz::Result ListEntries(COvDataItem* pNode, const QString& folderPath, struct WalkState& state);
+    void Notify(uint32_t code, const QString& payload, size_t payloadChars);
+    void Pump();
+    void PumpPaced(struct WalkState& state);
+
+    CEngineModule* m_pModule = nullptr;
+    qmz::IQmzEngine* m_pEngine = nullptr;
+    qmz::IQmzDrive* m_pDrv = nullptr;
+    qmz::IQmzReader* m_pReader = nullptr;
+    qmz::IQmzFileSystem* m_pFileSystem = nullptr;
+    int32_t m_bAttached = 0;
+    int32_t m_bLoaded = 0;
+    int32_t m_bStop = 0;
+    int32_t m_bOpening = 0;
+    int32_t m_bCopying = 0;
+    int32_t m_nOpenPercent = 0;
+    int32_t m_nCopyPercent = 0;
+    uint64_t m_ullDoneBytes = 0;
+    uint64_t m_ullTotalBytes = 0;
+    ImageReaderCallback m_pfnCallback = nullptr;
+    void* m_pCallbackContext = nullptr;
+    ImageReaderPump m_pfnPump = nullptr;
+    void* m_pPumpContext = nullptr;
+    QString m_szImagePath;
+    NamedMutex m_hImageMutex;
+    int32_t m_nEntryCount = 0;
+    uint32_t m_uFileSystemKind = 0;
+};

@@ -1,0 +1,124 @@
+#include "COvDataItem.h"
+
+#include <algorithm>
+#include <new>
+
+namespace {
+
+COvDataItem::FileTypeLookup g_pfnFileTypeLookup = nullptr;
+
+uint64_t JoinSize(uint32_t sizeLow, uint32_t sizeHigh) {
+    return (static_cast<uint64_t>(sizeHigh) << 32) | sizeLow;
+}
+
+} // namespace
+
+COvDataItem::COvDataItem(const QString& text, uint32_t kind, uint32_t sizeLow, uint32_t sizeHigh)
+    : m_uKind(kind), m_ullSize(JoinSize(sizeLow, sizeHigh)) {
+    if (kind == KindRoot) {
+        m_strName = text;
+        m_strDisplayName = m_strName;
+        return;
+    }
+    InitFromPath(text, nullptr);
+}
+
+void COvDataItem::InitFromPath(const QString& text, const QString* pSiblingPath) {
+    const qsizetype nNameStart = text.lastIndexOf(u'\\') + 1;
+    m_strName = text.mid(nNameStart);
+    const QStringView pathPart = QStringView(text).left(nNameStart);
+    if (pSiblingPath != nullptr && *pSiblingPath == pathPart) {
+        m_strPath = *pSiblingPath;
+    } else {
+        m_strPath = pathPart.toString();
+    }
+    m_strDisplayName = m_strName;
+    FillTypeInfo(text);
+}
+
+void COvDataItem::FillTypeInfo(const QString& text) {
+    if (g_pfnFileTypeLookup == nullptr) {
+        return;
+    }
+    FileTypeRecord record;
+    if (g_pfnFileTypeLookup(text, IsFolder(), record)) {
+        m_nIcon = record.nIcon;
+        m_nOpenIcon = record.nOpenIcon;
+        m_strTypeName = record.strTypeName;
+    }
+}
+
+void COvDataItem::SetFileTypeLookup(FileTypeLookup pfnLookup) {
+    g_pfnFileTypeLookup = pfnLookup;
+}
+
+COvDataItem::~COvDataItem() {
+    // Frees the subtree without recursion: an image decides how deep a tree is.
+    std::vector<COvDataItem*> pending;
+    pending.swap(m_vecChildren);
+    while (!pending.empty()) {
+        COvDataItem* pItem = pending.back();
+        pending.pop_back();
+        if (pItem == nullptr) {
+            continue;
+        }
+        pending.insert(pending.end(), pItem->m_vecChildren.begin(), pItem->m_vecChildren.end());
+        pItem->m_vecChildren.clear();
+        delete pItem;
+    }
+}
+
+COvDataItem* COvDataItem::AddChild(const QString& text, uint32_t kind, uint32_t sizeLow,
+                                   uint32_t sizeHigh) {
+    COvDataItem* pChild = new (std::nothrow) COvDataItem();
+    if (pChild == nullptr) {
+        return nullptr;
+    }
+    pChild->m_uKind = kind;
+    pChild->m_ullSize = JoinSize(sizeLow, sizeHigh);
+    const QString* pSiblingPath =
+        m_vecChildren.empty() ? nullptr : &m_vecChildren.back()->m_strPath;
+    pChild->InitFromPath(text, pSiblingPath);
+    AppendChild(pChild);
+
+    if (pChild->IsFolder()) {
+        ++m_nFolders;
+    } else if (pChild->IsFile()) {
+        ++m_nFiles;
+    }
+    for (COvDataItem* pItem = this; pItem != nullptr; pItem = pItem->m_pParent) {
+        pItem->m_ullSize += pChild->m_ullSize;
+    }
+    return pChild;
+}
+
+void COvDataItem::AppendChild(COvDataItem* pChild) {
+    pChild->m_pParent = this;
+    // Grows by half of the capacity, which wastes less than doubling in trees of many folders.
+    if (m_vecChildren.size() == m_vecChildren.capacity()) {
+        const size_t nCapacity = m_vecChildren.capacity();
+        m_vecChildren.reserve(nCapacity < 4 ? 4 : nCapacity + nCapacity / 2);
+    }
+    m_vecChildren.push_back(pChild);
+}
+
+COvDataItem* COvDataItem::GetNextChild(size_t& pos) const {
+    if (pos >= m_vecChildren.size()) {
+        return nullptr;
+    }
+    return m_vecChildren[pos++];
+}
+
+bool COvDataItem::LessByNameAscending(const COvDataItem* a, const COvDataItem* b) {
+    if (a == nullptr || b == nullptr) {
+        return a == nullptr && b != nullptr;
+    }
+    if (a->m_uKind != b->m_uKind) {
+        return a->m_uKind < b->m_uKind;
+    }
+    return a->m_strName.compare(b->m_strName, Qt::CaseInsensitive) < 0;
+}
+
+void COvDataItem::SortChildrenByName() {
+    std::sort(m_vecChildren.begin(), m_vecChildren.end(), LessByNameAscending);
+}

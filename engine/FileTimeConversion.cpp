@@ -1,0 +1,84 @@
+#include "FileTimeConversion.h"
+
+#include <array>
+#include <ctime>
+
+namespace filetime {
+namespace {
+
+// The offset of a time zone only changes at its transitions, which fall on quarter hours in
+// every zone in use; caching per quarter hour keeps localtime_r off the per-entry path.
+constexpr int64_t kOffsetBucketSeconds = 900;
+constexpr size_t kOffsetCacheSlots = 256;
+
+struct OffsetSlot {
+    int64_t bucket = INT64_MIN;
+    int64_t offset = 0;
+};
+
+int64_t FloorDiv(int64_t a, int64_t b) {
+    const int64_t q = a / b;
+    return (a % b != 0 && (a < 0) != (b < 0)) ? q - 1 : q;
+}
+
+int64_t UtcOffsetAt(int64_t unixSeconds) {
+    static thread_local std::array<OffsetSlot, kOffsetCacheSlots> cache;
+    const int64_t bucket = FloorDiv(unixSeconds, kOffsetBucketSeconds);
+    OffsetSlot& slot = cache[static_cast<uint64_t>(bucket) % kOffsetCacheSlots];
+    if (slot.bucket != bucket) {
+        const time_t t = static_cast<time_t>(bucket * kOffsetBucketSeconds);
+        tm parts{};
+        slot.offset = localtime_r(&t, &parts) != nullptr ? parts.tm_gmtoff : 0;
+        slot.bucket = bucket;
+    }
+    return slot.offset;
+}
+
+} // namespace
+
+uint64_t LocalToUtc(uint64_t localTicks) {
+    if (localTicks == 0) {
+        return 0;
+    }
+    const int64_t localSeconds =
+        static_cast<int64_t>(localTicks / kTicksPerSecond) - kSecondsFrom1601To1970;
+    const uint64_t fraction = localTicks % kTicksPerSecond;
+    // Two rounds find the instant whose offset maps it onto the local time; in the hour that a
+    // clock skips forward there is none, and the first guess stands.
+    const int64_t guess = localSeconds - UtcOffsetAt(localSeconds);
+    int64_t utc = localSeconds - UtcOffsetAt(guess);
+    if (utc + UtcOffsetAt(utc) != localSeconds) {
+        utc = guess;
+    }
+    const int64_t ticksSeconds = utc + kSecondsFrom1601To1970;
+    if (ticksSeconds < 0) {
+        return 0;
+    }
+    return static_cast<uint64_t>(ticksSeconds) * kTicksPerSecond + fraction;
+}
+
+CivilTime ToCivil(uint64_t utcTicks) {
+    const int64_t seconds =
+        static_cast<int64_t>(utcTicks / kTicksPerSecond) - kSecondsFrom1601To1970;
+    const int64_t days = FloorDiv(seconds, 86400);
+    const int64_t secondOfDay = seconds - days * 86400;
+    // Days to civil date, after Howard Hinnant's public-domain algorithm.
+    const int64_t z = days + 719468;
+    const int64_t era = FloorDiv(z, 146097);
+    const int64_t doe = z - era * 146097;
+    const int64_t yoe = (doe - doe / 1460 + doe / 36524 - doe / 146096) / 365;
+    const int64_t doy = doe - (365 * yoe + yoe / 4 - yoe / 100);
+    const int64_t mp = (5 * doy + 2) / 153;
+    const int64_t day = doy - (153 * mp + 2) / 5 + 1;
+    const int64_t month = mp < 10 ? mp + 3 : mp - 9;
+    CivilTime civil{};
+    civil.year = yoe + era * 400 + (month <= 2 ? 1 : 0);
+    civil.month = static_cast<int>(month);
+    civil.day = static_cast<int>(day);
+    civil.hour = static_cast<int>(secondOfDay / 3600);
+    civil.minute = static_cast<int>(secondOfDay / 60 % 60);
+    civil.second = static_cast<int>(secondOfDay % 60);
+    return civil;
+}
+
+} // namespace filetime

@@ -1,0 +1,22 @@
+// FILETIME values (100 ns ticks since 1601-01-01) between local time and UTC, with the
+// process's time zone rules at the instant in question.
+#pragma once
+
+#include <cstdint>
+
+namespace filetime {
+
+inline constexpr uint64_t kTicksPerSecond = 10'000'000;
+inline constexpr int64_t kSecondsFrom1601To1970 = 11'644'473'600;
+
+// The UTC instant whose local time is the given one; 0 stays 0.
+uint64_t LocalToUtc(uint64_t localTicks);
+
+// Breaks a UTC FILETIME into its calendar fields (proleptic Gregorian).
+struct CivilTime {
+    int64_t year;
+    int month, day, hour, minute, second;
+};
+CivilTime ToCivil(uint64_t utcTicks);
+
+} // namespace filetime

@@ -1,0 +1,109 @@
+#include "COvDataItem.h"
+
+#include <QStringList>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace {
+
+constexpr uint64_t kFiveGiB = 5ull << 30;
+
+COvDataItem* Add(COvDataItem& parent, const QString& text, uint32_t kind, uint64_t size = 0) {
+    return parent.AddChild(text, kind, static_cast<uint32_t>(size),
+                           static_cast<uint32_t>(size >> 32));
+}
+
+TEST(COvDataItem, SplitsItsPathAndRollsSizesUpToEveryAncestor) {
+    COvDataItem root(QStringLiteral("VOL"), COvDataItem::KindRoot, 0, 0);
+    COvDataItem* a = Add(root, QStringLiteral("\\a"), COvDataItem::KindFolder);
+    COvDataItem* b = Add(*a, QStringLiteral("\\a\\b"), COvDataItem::KindFolder);
+    COvDataItem* c = Add(*b, QStringLiteral("\\a\\b\\c"), COvDataItem::KindFolder);
+    COvDataItem* big =
+        Add(*c, QStringLiteral("\\a\\b\\c\\big.bin"), COvDataItem::KindFile, kFiveGiB);
+    Add(*c, QStringLiteral("\\a\\b\\c\\empty"), COvDataItem::KindFile, 0);
+    COvDataItem* top = Add(root, QStringLiteral("\\top.txt"), COvDataItem::KindFile, 7);
+
+    EXPECT_EQ(big->m_strName, QStringLiteral("big.bin"));
+    EXPECT_EQ(big->m_strPath, QStringLiteral("\\a\\b\\c\\"));
+    EXPECT_EQ(big->m_strDisplayName, big->m_strName);
+    EXPECT_EQ(top->m_strPath, QStringLiteral("\\"));
+    for (COvDataItem* pFolder : {c, b, a}) {
+        EXPECT_EQ(pFolder->m_ullSize, kFiveGiB) << pFolder->m_strName.toStdString();
+    }
+    EXPECT_EQ(root.m_ullSize, kFiveGiB + 7);
+    EXPECT_EQ(c->m_nFiles, 2);
+    EXPECT_EQ(c->m_nFolders, 0);
+    EXPECT_EQ(root.m_nFolders, 1);
+    EXPECT_EQ(root.m_nFiles, 1);
+    EXPECT_EQ(root.m_uKind, COvDataItem::KindRoot);
+    EXPECT_FALSE(root.IsFolder());
+    EXPECT_EQ(big->GetParent(), c);
+}
+
+TEST(COvDataItem, SiblingsShareOnePathBuffer) {
+    COvDataItem root(QString(), COvDataItem::KindRoot, 0, 0);
+    COvDataItem* first = Add(root, QStringLiteral("\\x.txt"), COvDataItem::KindFile);
+    COvDataItem* second = Add(root, QStringLiteral("\\y.txt"), COvDataItem::KindFile);
+    EXPECT_EQ(first->m_strPath.constData(), second->m_strPath.constData());
+    EXPECT_EQ(first->m_strName.constData(), first->m_strDisplayName.constData());
+}
+
+TEST(COvDataItem, SortsFoldersFirstThenNamesWithoutCase) {
+    COvDataItem root(QString(), COvDataItem::KindRoot, 0, 0);
+    for (const char* name : {"b.txt", "A.txt", "zeta", "Alpha", "c.TXT"}) {
+        const bool bFolder = QString::fromUtf8(name).indexOf(u'.') < 0;
+        Add(root, QStringLiteral("\\") + QString::fromUtf8(name),
+            bFolder ? COvDataItem::KindFolder : COvDataItem::KindFile);
+    }
+    root.SortChildrenByName();
+    QStringList order;
+    size_t pos = 0;
+    while (COvDataItem* pChild = root.GetNextChild(pos)) {
+        order << pChild->m_strName;
+    }
+    EXPECT_EQ(order.join(u','), QStringLiteral("Alpha,zeta,A.txt,b.txt,c.TXT"));
+    EXPECT_TRUE(COvDataItem::LessByNameAscending(nullptr, root.m_vecChildren[0]));
+    EXPECT_FALSE(COvDataItem::LessByNameAscending(root.m_vecChildren[0], nullptr));
+}
+
+TEST(COvDataItem, DestroysADeepChainWithoutRecursion) {
+    auto* pRoot = new COvDataItem(QString(), COvDataItem::KindRoot, 0, 0);
+    COvDataItem* pItem = pRoot;
+    // Linked by hand: AddChild's size roll-up would make a chain this deep quadratic.
+    for (int i = 0; i < 200000; ++i) {
+        auto* pChild = new COvDataItem(QStringLiteral("\\d"), COvDataItem::KindFolder, 0, 0);
+        pChild->SetParent(pItem);
+        pItem->m_vecChildren.push_back(pChild);
+        pItem = pChild;
+    }
+    delete pRoot; // a recursive destructor would overflow the stack here
+    SUCCEED();
+}
+
+bool FakeTypeLookup(const QString& path, bool isFolder, FileTypeRecord& record) {
+    if (path.endsWith(QStringLiteral(".none"))) {
+        return false;
+    }
+    record.nIcon = isFolder ? 3 : 5;
+    record.nOpenIcon = isFolder ? 4 : 5;
+    record.strTypeName = isFolder ? QStringLiteral("Folder") : QStringLiteral("Text");
+    return true;
+}
+
+TEST(COvDataItem, TakesTypeAndIconsFromTheTypeServiceWhenOneIsInstalled) {
+    COvDataItem root(QString(), COvDataItem::KindRoot, 0, 0);
+    COvDataItem::SetFileTypeLookup(FakeTypeLookup);
+    COvDataItem* folder = Add(root, QStringLiteral("\\dir"), COvDataItem::KindFolder);
+    COvDataItem* file = Add(root, QStringLiteral("\\a.txt"), COvDataItem::KindFile);
+    COvDataItem* unknown = Add(root, QStringLiteral("\\b.none"), COvDataItem::KindFile);
+    COvDataItem::SetFileTypeLookup(nullptr);
+    EXPECT_EQ(folder->m_nIcon, 3);
+    EXPECT_EQ(folder->m_nOpenIcon, 4);
+    EXPECT_EQ(file->m_strTypeName, QStringLiteral("Text"));
+    EXPECT_EQ(unknown->m_nIcon, 0);
+    EXPECT_TRUE(unknown->m_strTypeName.isEmpty());
+    EXPECT_TRUE(root.m_strTypeName.isEmpty());
+}
+
+} // namespace
