@@ -3,6 +3,7 @@
 #include "COvDataItem.h"
 #include "FileTimeConversion.h"
 
+#include <charconv>
 #include <deque>
 #include <utility>
 
@@ -10,19 +11,15 @@ namespace {
 
 constexpr size_t kFlushBytes = 1 << 20;
 
-void AppendDecimal(std::string& out, uint64_t value, int minDigits) {
+void AppendDecimal(std::string& out, uint64_t value) {
     char digits[24];
-    int n = 0;
-    do {
-        digits[n++] = static_cast<char>('0' + value % 10);
-        value /= 10;
-    } while (value != 0);
-    for (int i = n; i < minDigits; ++i) {
-        out += '0';
-    }
-    while (n > 0) {
-        out += digits[--n];
-    }
+    const auto result = std::to_chars(digits, digits + sizeof digits, value);
+    out.append(digits, result.ptr);
+}
+
+void AppendTwoDigits(char* p, int value) {
+    p[0] = static_cast<char>('0' + value / 10);
+    p[1] = static_cast<char>('0' + value % 10);
 }
 
 void AppendCodePoint(std::string& out, char32_t cp) {
@@ -64,18 +61,21 @@ void TreePrinter::AppendUtf8(std::string& out, const char16_t* pText, size_t nCh
 
 void TreePrinter::AppendTime(std::string& out, uint64_t utcTicks) {
     const filetime::CivilTime t = filetime::ToCivil(utcTicks);
-    AppendDecimal(out, static_cast<uint64_t>(t.year), 4);
-    out += '-';
-    AppendDecimal(out, static_cast<uint64_t>(t.month), 2);
-    out += '-';
-    AppendDecimal(out, static_cast<uint64_t>(t.day), 2);
-    out += 'T';
-    AppendDecimal(out, static_cast<uint64_t>(t.hour), 2);
-    out += ':';
-    AppendDecimal(out, static_cast<uint64_t>(t.minute), 2);
-    out += ':';
-    AppendDecimal(out, static_cast<uint64_t>(t.second), 2);
-    out += 'Z';
+    char text[32];
+    const auto year = std::to_chars(text, text + 8, t.year);
+    char* p = year.ptr;
+    *p++ = '-';
+    AppendTwoDigits(p, t.month);
+    p[2] = '-';
+    AppendTwoDigits(p + 3, t.day);
+    p[5] = 'T';
+    AppendTwoDigits(p + 6, t.hour);
+    p[8] = ':';
+    AppendTwoDigits(p + 9, t.minute);
+    p[11] = ':';
+    AppendTwoDigits(p + 12, t.second);
+    p[14] = 'Z';
+    out.append(text, p + 15);
 }
 
 bool TreePrinter::PrintList(const COvDataItem& root) {
@@ -86,7 +86,7 @@ bool TreePrinter::PrintList(const COvDataItem& root) {
         folders.pop_front();
         for (const COvDataItem* pChild : pFolder->m_vecChildren) {
             m_buffer += pChild->IsFolder() ? "d " : "- ";
-            AppendDecimal(m_buffer, pChild->m_ullSize, 1);
+            AppendDecimal(m_buffer, pChild->m_ullSize);
             m_buffer += ' ';
             AppendTime(m_buffer, (static_cast<uint64_t>(pChild->m_ftTime.dwHighDateTime) << 32) |
                                      pChild->m_ftTime.dwLowDateTime);

@@ -7,6 +7,28 @@ namespace {
 
 COvDataItem::FileTypeLookup g_pfnFileTypeLookup = nullptr;
 
+// Case-insensitive order of QString::compare, with a fast path for ASCII, which most names
+// on discs are. Outside ASCII, case folding can map a character onto an ASCII one (the Kelvin
+// sign onto 'k'), so the rest of the names goes to Qt from the first such character on.
+int CompareNoCase(const QString& a, const QString& b) {
+    const char16_t* pa = reinterpret_cast<const char16_t*>(a.constData());
+    const char16_t* pb = reinterpret_cast<const char16_t*>(b.constData());
+    const qsizetype n = std::min(a.size(), b.size());
+    for (qsizetype i = 0; i < n; ++i) {
+        char16_t ca = pa[i];
+        char16_t cb = pb[i];
+        if (ca >= 0x80 || cb >= 0x80) {
+            return QStringView(a).mid(i).compare(QStringView(b).mid(i), Qt::CaseInsensitive);
+        }
+        ca = (ca >= u'A' && ca <= u'Z') ? static_cast<char16_t>(ca + 32) : ca;
+        cb = (cb >= u'A' && cb <= u'Z') ? static_cast<char16_t>(cb + 32) : cb;
+        if (ca != cb) {
+            return ca < cb ? -1 : 1;
+        }
+    }
+    return a.size() == b.size() ? 0 : (a.size() < b.size() ? -1 : 1);
+}
+
 uint64_t JoinSize(uint32_t sizeLow, uint32_t sizeHigh) {
     return (static_cast<uint64_t>(sizeHigh) << 32) | sizeLow;
 }
@@ -116,7 +138,7 @@ bool COvDataItem::LessByNameAscending(const COvDataItem* a, const COvDataItem* b
     if (a->m_uKind != b->m_uKind) {
         return a->m_uKind < b->m_uKind;
     }
-    return a->m_strName.compare(b->m_strName, Qt::CaseInsensitive) < 0;
+    return CompareNoCase(a->m_strName, b->m_strName) < 0;
 }
 
 void COvDataItem::SortChildrenByName() {

@@ -67,6 +67,30 @@ TEST(COvDataItem, SortsFoldersFirstThenNamesWithoutCase) {
     EXPECT_FALSE(COvDataItem::LessByNameAscending(root.m_vecChildren[0], nullptr));
 }
 
+TEST(COvDataItem, OrdersNamesExactlyAsQtsCaseInsensitiveCompare) {
+    // The sort has its own fast path for ASCII; every pair must still agree with Qt,
+    // including characters that fold onto ASCII (the Kelvin sign, the long s).
+    const QStringList names = {
+        QStringLiteral("abc"),      QStringLiteral("ABD"),        QStringLiteral("ab"),
+        QStringLiteral("a_b"),      QStringLiteral("a[b"),        QStringLiteral("Zeta"),
+        QStringLiteral("\u212Aey"), QStringLiteral("key"),        QStringLiteral("kez"),
+        QStringLiteral("\u017Fun"), QStringLiteral("Sun"),        QStringLiteral("\u00C4rger"),
+        QStringLiteral("arger"),    QStringLiteral("\u00E4rger"), QStringLiteral(""),
+        QStringLiteral("file10"),   QStringLiteral("FILE1"),      QStringLiteral("\U0001F4C0")};
+    COvDataItem root(QString(), COvDataItem::KindRoot, 0, 0);
+    std::vector<COvDataItem*> items;
+    for (const QString& name : names) {
+        items.push_back(Add(root, u'\\' + name, COvDataItem::KindFile));
+    }
+    for (const COvDataItem* a : items) {
+        for (const COvDataItem* b : items) {
+            const bool bQtLess = a->m_strName.compare(b->m_strName, Qt::CaseInsensitive) < 0;
+            EXPECT_EQ(COvDataItem::LessByNameAscending(a, b), bQtLess)
+                << a->m_strName.toStdString() << " < " << b->m_strName.toStdString();
+        }
+    }
+}
+
 TEST(COvDataItem, DestroysADeepChainWithoutRecursion) {
     auto* pRoot = new COvDataItem(QString(), COvDataItem::KindRoot, 0, 0);
     COvDataItem* pItem = pRoot;

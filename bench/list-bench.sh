@@ -1,0 +1,66 @@
+#!/usr/bin/env bash
+# Lists an image of 100,000 files in 1,000 folders with ovrin-cli and with peer tools that
+# read the same image, several runs each, and prints medians, ratios and peak memory.
+# Usage: bench/list-bench.sh [path/to/ovrin-cli]
+set -euo pipefail
+
+here=$(cd "$(dirname "$0")" && pwd)
+cli=$(realpath "${1:-$here/../build/bin/ovrin-cli}")
+cache="$here/cache"
+image="$cache/files-100k.iso"
+runs=${RUNS:-15}
+
+make_image() {
+    local tree="$cache/tree-100k"
+    echo "Making $image (once; kept in bench/cache) ..." >&2
+    rm -rf "$tree"
+    mkdir -p "$tree"
+    for d in $(seq -w 0 999); do
+        mkdir "$tree/folder-$d"
+        for f in $(seq -w 0 99); do
+            printf 'file %s of folder %s\n' "$f" "$d" >"$tree/folder-$d/file-$f.txt"
+        done
+    done
+    xorriso -as mkisofs -quiet -R -J -o "$image.tmp" "$tree" 2>/dev/null
+    mv "$image.tmp" "$image"
+    rm -rf "$tree"
+}
+
+mkdir -p "$cache"
+[ -f "$image" ] || make_image
+
+declare -A commands=(
+    [ovrin-cli list]="$cli list $image"
+    [bsdtar -tf]="bsdtar -tf $image"
+    [7z l]="7z l $image"
+    [isoinfo -f]="isoinfo -f -i $image"
+)
+order=("ovrin-cli list" "bsdtar -tf" "7z l" "isoinfo -f")
+
+csv=$(mktemp)
+trap 'rm -f "$csv"' EXIT
+args=()
+for name in "${order[@]}"; do
+    args+=(-n "$name" "${commands[$name]}")
+done
+hyperfine -N --warmup 3 --runs "$runs" --export-csv "$csv" --style none "${args[@]}" >/dev/null
+
+peak_kib() {
+    local best=""
+    for _ in 1 2 3; do
+        local kib
+        kib=$(/usr/bin/time -f %M $1 2>&1 >/dev/null | tail -n 1)
+        if [ -z "$best" ] || [ "$kib" -lt "$best" ]; then best=$kib; fi
+    done
+    echo "$best"
+}
+
+entries=$("$cli" list "$image" | wc -l)
+echo "Image: $image ($(du -h "$image" | cut -f1), $entries entries), $runs runs each, page cache warm"
+printf '%-16s %12s %14s %14s\n' "command" "median (s)" "ovrin / peer" "peak memory"
+ovrin_median=$(awk -F, 'NR==2 {print $4}' "$csv")
+awk -F, 'NR>1 {print $1 "," $4}' "$csv" | while IFS=, read -r name median; do
+    ratio=$(awk -v a="$ovrin_median" -v b="$median" 'BEGIN {printf "%.2f", a / b}')
+    mem=$(peak_kib "${commands[$name]}")
+    printf '%-16s %12.4f %14s %11.1f MiB\n' "$name" "$median" "$ratio" "$(awk -v k="$mem" 'BEGIN {print k / 1024}')"
+done
