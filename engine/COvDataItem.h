@@ -5,6 +5,7 @@
 
 #include <QString>
 #include <cstdint>
+#include <new>
 #include <vector>
 
 struct FileTypeRecord;
@@ -24,6 +25,11 @@ public:
 
     COvDataItem(const COvDataItem&) = delete;
     COvDataItem& operator=(const COvDataItem&) = delete;
+
+    // Nodes come from one pool (FixedBlockPool) on the thread that builds and frees trees.
+    static void* operator new(size_t size);
+    static void* operator new(size_t size, const std::nothrow_t&) noexcept;
+    static void operator delete(void* p) noexcept;
 
     // Adds a child and rolls its size up to every ancestor; null when it cannot be allocated.
     COvDataItem* AddChild(const QString& text, uint32_t kind, uint32_t sizeLow, uint32_t sizeHigh);
