@@ -3,6 +3,7 @@
 #include "COvDataItem.h"
 #include "FileTimeConversion.h"
 
+#include <algorithm>
 #include <charconv>
 #include <deque>
 #include <utility>
@@ -43,19 +44,32 @@ void AppendCodePoint(std::string& out, char32_t cp) {
 } // namespace
 
 void TreePrinter::AppendUtf8(std::string& out, const char16_t* pText, size_t nChars) {
-    for (size_t i = 0; i < nChars; ++i) {
+    size_t i = 0;
+    while (i < nChars) {
+        // Runs of plain ASCII go in whole.
+        const size_t nRunStart = i;
+        while (i < nChars && pText[i] < 0x80 && pText[i] != u'\n') {
+            ++i;
+        }
+        if (i > nRunStart) {
+            const size_t nOld = out.size();
+            out.resize(nOld + (i - nRunStart));
+            std::copy(pText + nRunStart, pText + i, out.begin() + static_cast<ptrdiff_t>(nOld));
+        }
+        if (i == nChars) {
+            break;
+        }
         char32_t cp = pText[i];
         if (cp == u'\n') {
             out += "\\n";
-            continue;
-        }
-        if (cp >= 0xD800 && cp <= 0xDBFF && i + 1 < nChars && pText[i + 1] >= 0xDC00 &&
-            pText[i + 1] <= 0xDFFF) {
+        } else if (cp >= 0xD800 && cp <= 0xDBFF && i + 1 < nChars && pText[i + 1] >= 0xDC00 &&
+                   pText[i + 1] <= 0xDFFF) {
             cp = 0x10000 + ((cp - 0xD800) << 10) + (pText[++i] - 0xDC00);
-        } else if (cp >= 0xD800 && cp <= 0xDFFF) {
-            cp = 0xFFFD;
+            AppendCodePoint(out, cp);
+        } else {
+            AppendCodePoint(out, (cp >= 0xD800 && cp <= 0xDFFF) ? char32_t{0xFFFD} : cp);
         }
-        AppendCodePoint(out, cp);
+        ++i;
     }
 }
 
@@ -88,8 +102,7 @@ bool TreePrinter::PrintList(const COvDataItem& root) {
             m_buffer += pChild->IsFolder() ? "d " : "- ";
             AppendDecimal(m_buffer, pChild->m_ullSize);
             m_buffer += ' ';
-            AppendTime(m_buffer, (static_cast<uint64_t>(pChild->m_ftTime.dwHighDateTime) << 32) |
-                                     pChild->m_ftTime.dwLowDateTime);
+            AppendTimeOf(*pChild);
             m_buffer += ' ';
             const size_t nPathStart = m_buffer.size();
             m_buffer += prefix;
@@ -105,6 +118,19 @@ bool TreePrinter::PrintList(const COvDataItem& root) {
         }
     }
     return Flush();
+}
+
+void TreePrinter::AppendTimeOf(const COvDataItem& item) {
+    const uint64_t ticks =
+        (static_cast<uint64_t>(item.m_ftTime.dwHighDateTime) << 32) | item.m_ftTime.dwLowDateTime;
+    const uint64_t seconds = ticks / filetime::kTicksPerSecond;
+    // Most entries of an image share a handful of times.
+    if (seconds != m_lastSeconds || m_lastTimeText.empty()) {
+        m_lastTimeText.clear();
+        AppendTime(m_lastTimeText, ticks);
+        m_lastSeconds = seconds;
+    }
+    m_buffer += m_lastTimeText;
 }
 
 bool TreePrinter::Flush() {

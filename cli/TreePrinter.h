@@ -1,6 +1,7 @@
 // Writes the tree of an opened image as text, one entry a line, for people and scripts.
 #pragma once
 
+#include <cstdint>
 #include <cstdio>
 #include <string>
 
@@ -18,8 +19,11 @@ public:
     static void AppendTime(std::string& out, uint64_t utcTicks);
 
 private:
+    void AppendTimeOf(const COvDataItem& item);
     bool Flush();
 
     std::FILE* m_pOut;
     std::string m_buffer;
+    uint64_t m_lastSeconds = 0;
+    std::string m_lastTimeText;
 };
