@@ -124,18 +124,20 @@ uint32_t VolumeIndex::Resolve(std::u16string_view path) const {
         return kNotFound;
     }
     uint32_t current = kRoot;
-    while (!path.empty()) {
+    if (path.empty()) {
+        return current;
+    }
+    for (size_t start = 0;;) {
+        size_t cut = path.find(u'\\', start);
         if (!entries_[current].IsDirectory()) {
             return kNotFound;
         }
-        size_t cut = path.find(u'\\');
-        current = FindChild(entries_[current], path.substr(0, cut));
-        if (current == kNotFound) {
-            return kNotFound;
+        current = FindChild(entries_[current], path.substr(start, cut - start));
+        if (current == kNotFound || cut == std::u16string_view::npos) {
+            return current;
         }
-        path = cut == std::u16string_view::npos ? std::u16string_view{} : path.substr(cut + 1);
+        start = cut + 1;
     }
-    return current;
 }
 
 } // namespace qmz

@@ -10,11 +10,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "IClassFactory.h"
-#include "QmzExports.h"
-
-extern "C" qmz::Result DllGetClassObject(const qmz::Guid* clsid, const qmz::Guid* iid, void** ppv);
-
 namespace qmz::test {
 
 namespace {

@@ -9,9 +9,16 @@
 #include <string>
 #include <vector>
 
+#include "IBwRegPath.h"
+#include "IClassFactory.h"
 #include "IQmzEngine.h"
 #include "IQmzFileSystem.h"
 #include "IQmzReader.h"
+#include "QmzExports.h"
+
+// The entry points, linked in from qmz_core.
+extern "C" qmz::Result DllGetClassObject(const qmz::Guid* clsid, const qmz::Guid* iid, void** ppv);
+extern "C" qmz::Result DllCanUnloadNow();
 
 namespace qmz::test {
 
