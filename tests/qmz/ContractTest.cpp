@@ -29,7 +29,18 @@ protected:
     }
     static void TearDownTestSuite() { delete dir_; }
     static fs::path Image() { return *dir_ / "small.iso"; }
-    static fs::path ManyFolders() { return *dir_ / "many.iso"; }
+    // 3060 folders: a scan long enough to be caught running. Made on first use.
+    static fs::path ManyFolders() {
+        fs::path image = *dir_ / "many.iso";
+        if (!fs::exists(image)) {
+            fs::path many = *dir_ / "many";
+            for (int i = 0; i < 3000; ++i) {
+                fs::create_directories(many / ("d" + std::to_string(i / 50)) / std::to_string(i));
+            }
+            EXPECT_TRUE(RunCommand("genisoimage -quiet -R -o " + Quote(image) + " " + Quote(many)));
+        }
+        return image;
+    }
 
     static TempDir* dir_;
 };
