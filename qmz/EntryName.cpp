@@ -63,6 +63,27 @@ void EntryName::Push(char32_t cp) {
     }
 }
 
+bool EntryName::AppendAscii(const uint8_t* bytes, size_t count) {
+    // Most names are ASCII: they need neither validation nor decoding.
+    uint8_t any = 0;
+    for (size_t i = 0; i < count; ++i) {
+        any |= bytes[i];
+    }
+    if ((any & 0x80) != 0 || full_) {
+        return false;
+    }
+    size_t n = count;
+    if (n > kMaxNameUnits - length_) {
+        n = kMaxNameUnits - length_;
+        full_ = true;
+    }
+    for (size_t i = 0; i < n; ++i) {
+        units_[length_ + i] = bytes[i];
+    }
+    length_ += static_cast<uint32_t>(n);
+    return true;
+}
+
 void EntryName::AppendLatin1(const uint8_t* bytes, size_t count) {
     for (size_t i = 0; i < count; ++i) {
         Push(bytes[i]);
@@ -91,6 +112,9 @@ bool EntryName::IsValidUtf8(const uint8_t* bytes, size_t count) {
 }
 
 void EntryName::AppendUtf8OrLatin1(const uint8_t* bytes, size_t count) {
+    if (AppendAscii(bytes, count)) {
+        return;
+    }
     if (!IsValidUtf8(bytes, count)) {
         AppendLatin1(bytes, count);
         return;

@@ -33,6 +33,8 @@ public:
 
 private:
     void Push(char32_t codePoint);
+    // Appends `bytes` if they are all ASCII; false, with nothing appended, otherwise.
+    bool AppendAscii(const uint8_t* bytes, size_t count);
     static bool IsValidUtf8(const uint8_t* bytes, size_t count);
 
     char16_t units_[kMaxNameUnits];

@@ -40,9 +40,15 @@ void VolumeIndex::ExtendLastExtent(uint64_t moreBytes) {
 }
 
 void VolumeIndex::SortPending() {
-    std::stable_sort(
-        pending_.begin(), pending_.end(),
-        [this](const IndexEntry& a, const IndexEntry& b) { return Name(a) < Name(b); });
+    // Names are appended in record order, so the name offset keeps equal names in that order
+    // (the first one keeps its name) without the buffer a stable sort would allocate.
+    auto before = [this](const IndexEntry& a, const IndexEntry& b) {
+        int order = Name(a).compare(Name(b));
+        return order < 0 || (order == 0 && a.nameOffset < b.nameOffset);
+    };
+    if (!std::is_sorted(pending_.begin(), pending_.end(), before)) {
+        std::sort(pending_.begin(), pending_.end(), before);
+    }
 }
 
 bool VolumeIndex::PendingHasName(std::u16string_view name) const {
