@@ -82,7 +82,7 @@ Result Reader::Start(uint32_t operation, uint32_t, uint32_t) {
     if (tree_ == nullptr || index_ != nullptr) {
         return kUnexpected;
     }
-    return ComSupport::Guarded([&] {
+    Result r = ComSupport::Guarded([&] {
         index_ = std::make_unique<VolumeIndex>();
         scanner_ = std::make_unique<IsoScanner>(drive_->Sectors(), *tree_, cancel_);
         browser_ = std::make_unique<VolumeBrowser>(*index_, drive_->Sectors());
@@ -91,6 +91,12 @@ Result Reader::Start(uint32_t operation, uint32_t, uint32_t) {
         thread_ = std::thread(&Reader::RunScan, this);
         return kOk;
     });
+    if (r != kOk) {
+        browser_.reset();
+        scanner_.reset();
+        index_.reset();
+    }
+    return r;
 }
 
 void Reader::RunScan() {
@@ -168,6 +174,7 @@ Result Reader::GetFsInfo(fsInfo* pInfo) {
         return kEngineBadParameter;
     }
     std::memset(pInfo, 0, sizeof(*pInfo));
+    // The first field tells which tree was read: 1 ISO 9660, 2 Joliet, 3 Rock Ridge.
     pInfo->uReserved = static_cast<uint32_t>(tree_->kind);
     pInfo->uCount1 = index_->FolderCount();
     pInfo->uCount2 = index_->FileCount();

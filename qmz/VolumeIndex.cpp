@@ -35,10 +35,6 @@ uint32_t VolumeIndex::AppendExtent(const Extent& extent) {
     return static_cast<uint32_t>(extents_.size() - 1);
 }
 
-void VolumeIndex::ExtendLastExtent(uint64_t moreBytes) {
-    extents_.back().length += moreBytes;
-}
-
 void VolumeIndex::SortPending() {
     // Names are appended in record order, so the name offset keeps equal names in that order
     // (the first one keeps its name) without the buffer a stable sort would allocate.

@@ -51,7 +51,6 @@ public:
     // to them, then CommitChildren makes them the children of `parent`.
     uint32_t AppendName(const char16_t* units, uint32_t length);
     uint32_t AppendExtent(const Extent& extent);
-    void ExtendLastExtent(uint64_t moreBytes);
     size_t NameUnits() const { return names_.size(); }
     std::vector<IndexEntry>& Pending() { return pending_; }
     // Sorts the pending entries by name, renames later duplicates "name (2)", "name (3)" so
