@@ -55,7 +55,7 @@ bool IsoDate::DecodeShort(const uint8_t* p, int64_t* utcSeconds) {
 bool IsoDate::DecodeLong(const uint8_t* p, int64_t* utcSeconds) {
     int year = Digits(p, 4);
     if (year <= 0) {
-        return false; // also the all-zero "not specified" form
+        return false; // also the all-zero form that records no date
     }
     return Combine(year, Digits(p + 4, 2), Digits(p + 6, 2), Digits(p + 8, 2), Digits(p + 10, 2),
                    Digits(p + 12, 2), static_cast<int8_t>(p[16]), utcSeconds);
