@@ -1,0 +1,69 @@
+#include "ImageFile.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace qmz {
+
+ImageFile::~ImageFile() {
+    if (mapping_ != nullptr) {
+        munmap(const_cast<uint8_t*>(mapping_), size_);
+    }
+    if (fd_ >= 0) {
+        close(fd_);
+    }
+}
+
+Result ImageFile::Open(const char* path, bool allowMapping) {
+    if (fd_ >= 0) {
+        return kUnexpected;
+    }
+    int fd = open(path, O_RDONLY | O_CLOEXEC);
+    if (fd < 0) {
+        return kEngineOpenFailed;
+    }
+    struct stat st {};
+    if (fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
+        close(fd);
+        return kEngineOpenFailed;
+    }
+    fd_ = fd;
+    size_ = static_cast<uint64_t>(st.st_size);
+    if (allowMapping && size_ > 0 && size_ <= SIZE_MAX) {
+        void* p = mmap(nullptr, size_, PROT_READ, MAP_PRIVATE, fd_, 0);
+        if (p != MAP_FAILED) {
+            mapping_ = static_cast<const uint8_t*>(p);
+        }
+    }
+    return kOk;
+}
+
+Result ImageFile::Read(uint64_t offset, void* dst, size_t length) const {
+    if (!Contains(offset, length)) {
+        return kEngineReadFailed;
+    }
+    if (mapping_ != nullptr) {
+        std::memcpy(dst, mapping_ + offset, length);
+        return kOk;
+    }
+    auto* out = static_cast<uint8_t*>(dst);
+    while (length > 0) {
+        ssize_t n = pread(fd_, out, length, static_cast<off_t>(offset));
+        if (n < 0 && errno == EINTR) {
+            continue;
+        }
+        if (n <= 0) {
+            return kEngineReadFailed;
+        }
+        out += n;
+        offset += static_cast<uint64_t>(n);
+        length -= static_cast<size_t>(n);
+    }
+    return kOk;
+}
+
+} // namespace qmz

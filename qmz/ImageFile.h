@@ -1,0 +1,37 @@
+// A disc-image file opened read-only: mapped into memory where the system allows it, read
+// with pread otherwise.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "QmzTypes.h"
+
+namespace qmz {
+
+class ImageFile {
+public:
+    ImageFile() = default;
+    ImageFile(const ImageFile&) = delete;
+    ImageFile& operator=(const ImageFile&) = delete;
+    ~ImageFile();
+
+    // Opens `path` (UTF-8). `allowMapping` false forces the pread path, which tests use.
+    Result Open(const char* path, bool allowMapping = true);
+
+    uint64_t Size() const { return size_; }
+    // The whole file in memory, or nullptr when it is read with pread.
+    const uint8_t* Mapping() const { return mapping_; }
+    // Copies exactly `length` bytes from `offset`; a range past the end is kEngineReadFailed.
+    Result Read(uint64_t offset, void* dst, size_t length) const;
+    bool Contains(uint64_t offset, uint64_t length) const {
+        return offset <= size_ && length <= size_ - offset;
+    }
+
+private:
+    int fd_ = -1;
+    uint64_t size_ = 0;
+    const uint8_t* mapping_ = nullptr;
+};
+
+} // namespace qmz

@@ -1,0 +1,78 @@
+#include "IsoDate.h"
+
+#include <ctime>
+
+namespace qmz {
+
+namespace {
+
+// ECMA-119 allows offsets from -12 h to +13 h.
+constexpr int kMinGmtOffset = -48;
+constexpr int kMaxGmtOffset = 52;
+constexpr int64_t kSecondsFrom1601To1970 = 11644473600;
+constexpr int64_t kTicksPerSecond = 10000000;
+
+// Days from 1970-01-01 to a proleptic Gregorian date.
+int64_t DaysFromCivil(int64_t y, int m, int d) {
+    y -= m <= 2 ? 1 : 0;
+    int64_t era = (y >= 0 ? y : y - 399) / 400;
+    int64_t yoe = y - era * 400;
+    int64_t doy = (153 * (m + (m > 2 ? -3 : 9)) + 2) / 5 + d - 1;
+    int64_t doe = yoe * 365 + yoe / 4 - yoe / 100 + doy;
+    return era * 146097 + doe - 719468;
+}
+
+int Digits(const uint8_t* p, int count) {
+    int value = 0;
+    for (int i = 0; i < count; ++i) {
+        if (p[i] < '0' || p[i] > '9') {
+            return -1;
+        }
+        value = value * 10 + (p[i] - '0');
+    }
+    return value;
+}
+
+} // namespace
+
+bool IsoDate::Combine(int64_t year, int month, int day, int hour, int minute, int second,
+                      int8_t gmtOffset, int64_t* utcSeconds) {
+    if (month < 1 || month > 12 || day < 1 || day > 31 || hour > 23 || minute > 59 || second > 59 ||
+        hour < 0 || minute < 0 || second < 0) {
+        return false;
+    }
+    int offset = gmtOffset >= kMinGmtOffset && gmtOffset <= kMaxGmtOffset ? gmtOffset : 0;
+    *utcSeconds = DaysFromCivil(year, month, day) * 86400 + hour * 3600 + minute * 60 + second -
+                  int64_t{offset} * 15 * 60;
+    return true;
+}
+
+bool IsoDate::DecodeShort(const uint8_t* p, int64_t* utcSeconds) {
+    return Combine(1900 + int64_t{p[0]}, p[1], p[2], p[3], p[4], p[5], static_cast<int8_t>(p[6]),
+                   utcSeconds);
+}
+
+bool IsoDate::DecodeLong(const uint8_t* p, int64_t* utcSeconds) {
+    int year = Digits(p, 4);
+    if (year <= 0) {
+        return false; // also the all-zero form that records no date
+    }
+    return Combine(year, Digits(p + 4, 2), Digits(p + 6, 2), Digits(p + 8, 2), Digits(p + 10, 2),
+                   Digits(p + 12, 2), static_cast<int8_t>(p[16]), utcSeconds);
+}
+
+FileTime IsoDate::ToLocalFileTime(int64_t utcSeconds) {
+    auto t = static_cast<time_t>(utcSeconds);
+    struct tm local {};
+    int64_t seconds = utcSeconds;
+    if (localtime_r(&t, &local) != nullptr) {
+        seconds += local.tm_gmtoff;
+    }
+    if (seconds < -kSecondsFrom1601To1970) {
+        return {0, 0};
+    }
+    auto ticks = static_cast<uint64_t>((seconds + kSecondsFrom1601To1970) * kTicksPerSecond);
+    return {static_cast<uint32_t>(ticks), static_cast<uint32_t>(ticks >> 32)};
+}
+
+} // namespace qmz

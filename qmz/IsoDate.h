@@ -1,0 +1,27 @@
+// Times recorded by ECMA-119 and Rock Ridge, and their conversion to the program's local
+// Windows FILETIME.
+#pragma once
+
+#include <cstdint>
+
+#include "QmzTypes.h"
+
+namespace qmz {
+
+class IsoDate {
+public:
+    // ECMA-119 9.1.5: seven bytes, years since 1900 to seconds, then the offset from GMT in
+    // 15-minute units. Gives seconds since 1970 UTC, or false for an invalid date.
+    static bool DecodeShort(const uint8_t* p, int64_t* utcSeconds);
+    // ECMA-119 8.4.26.1: sixteen ASCII digits YYYYMMDDhhmmsscc and the GMT offset byte.
+    static bool DecodeLong(const uint8_t* p, int64_t* utcSeconds);
+    // The instant as a FILETIME in the process's local time (the offset in force at that
+    // instant); an instant before 1601 gives 0.
+    static FileTime ToLocalFileTime(int64_t utcSeconds);
+
+private:
+    static bool Combine(int64_t year, int month, int day, int hour, int minute, int second,
+                        int8_t gmtOffset, int64_t* utcSeconds);
+};
+
+} // namespace qmz

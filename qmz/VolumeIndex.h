@@ -1,0 +1,87 @@
+// The scanned tree of one volume, whatever its file system: entries in breadth-first order, each
+// folder's children contiguous and sorted by name, all names in one UTF-16 buffer and all file
+// extents in one array. A path resolves by a binary search per component.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace qmz {
+
+// The longest name handed to the program, in UTF-16 code units.
+inline constexpr uint32_t kMaxNameUnits = 281;
+
+struct Extent {
+    uint64_t lba;
+    uint64_t length; // bytes
+};
+
+enum EntryFlags : uint16_t {
+    kEntryDirectory = 1,
+    kEntryHidden = 2,
+    kEntryTimeValid = 4,
+};
+
+struct IndexEntry {
+    int64_t mtime; // seconds since 1970-01-01 UTC; meaningful with kEntryTimeValid
+    uint64_t size; // bytes; 0 for folders
+    uint32_t nameOffset;
+    uint16_t nameLength;
+    uint16_t flags;
+    uint32_t firstExtent; // a folder has one: its directory data
+    uint32_t extentCount;
+    uint32_t firstChild;
+    uint32_t childCount;
+
+    bool IsDirectory() const { return (flags & kEntryDirectory) != 0; }
+};
+
+class VolumeIndex {
+public:
+    static constexpr uint32_t kRoot = 0;
+    static constexpr uint32_t kNotFound = UINT32_MAX;
+
+    void Clear();
+    // The root folder, whose directory data is `extent`.
+    void AddRoot(const Extent& extent, int64_t mtime, bool timeValid);
+
+    // Building a folder's children: names and extents go in first, then the entries that refer
+    // to them, then CommitChildren makes them the children of `parent`.
+    uint32_t AppendName(const char16_t* units, uint32_t length);
+    uint32_t AppendExtent(const Extent& extent);
+    size_t NameUnits() const { return names_.size(); }
+    std::vector<IndexEntry>& Pending() { return pending_; }
+    // Sorts the pending entries by name, renames later duplicates "name (2)", "name (3)" so
+    // every entry stays reachable by path, and appends them as the children of `parent`.
+    void CommitChildren(uint32_t parent);
+
+    uint32_t EntryCount() const { return static_cast<uint32_t>(entries_.size()); }
+    const IndexEntry& Entry(uint32_t index) const { return entries_[index]; }
+    const Extent& ExtentAt(uint32_t index) const { return extents_[index]; }
+    std::u16string_view Name(const IndexEntry& e) const {
+        return {names_.data() + e.nameOffset, e.nameLength};
+    }
+    uint32_t FolderCount() const { return folders_; }
+    uint32_t FileCount() const { return files_; }
+
+    // Finds the entry at `path` ('\'-separated, relative to the root, "" for the root).
+    uint32_t Resolve(std::u16string_view path) const;
+
+private:
+    void SortPending();
+    void RenameDuplicates();
+    static std::u16string NumberedName(std::u16string_view base, uint32_t n);
+    bool PendingHasName(std::u16string_view name) const;
+    uint32_t FindChild(const IndexEntry& folder, std::u16string_view name) const;
+
+    std::vector<IndexEntry> entries_;
+    std::vector<char16_t> names_;
+    std::vector<Extent> extents_;
+    std::vector<IndexEntry> pending_;
+    uint32_t folders_ = 0;
+    uint32_t files_ = 0;
+};
+
+} // namespace qmz
