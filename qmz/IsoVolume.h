@@ -10,11 +10,11 @@
 
 namespace qmz {
 
-// Which tree was chosen; GetFsInfo reports it in fsInfo::uReserved.
+// Which tree was chosen; GetFsInfo reports it in fsInfo::uFileSystem.
 enum class TreeKind : uint32_t {
-    kIso9660 = 1,
-    kJoliet = 2,
-    kRockRidge = 3,
+    kIso9660 = kFsIso9660,
+    kJoliet = kFsJoliet,
+    kRockRidge = kFsRockRidge,
 };
 
 struct IsoTree {

@@ -175,7 +175,7 @@ Result Reader::GetFsInfo(fsInfo* pInfo) {
     }
     std::memset(pInfo, 0, sizeof(*pInfo));
     // The first field tells which tree was read: 1 ISO 9660, 2 Joliet, 3 Rock Ridge.
-    pInfo->uReserved = static_cast<uint32_t>(tree_->kind);
+    pInfo->uFileSystem = static_cast<uint32_t>(tree_->kind);
     pInfo->uCount1 = index_->FolderCount();
     pInfo->uCount2 = index_->FileCount();
     std::memcpy(pInfo->strVolID, tree_->volumeId, sizeof(pInfo->strVolID));

@@ -126,7 +126,7 @@ TEST_F(ContractTest, WaitReturnsWhenTheScanEnds) {
     ASSERT_EQ(session.fs->GetFsInfo(&info), kOk);
     EXPECT_EQ(info.uCount1, 1020u);
     EXPECT_EQ(info.uCount2, 0u);
-    EXPECT_EQ(info.uReserved, 3u);
+    EXPECT_EQ(info.uFileSystem, 3u);
 }
 
 TEST_F(ContractTest, CancelStopsTheScan) {

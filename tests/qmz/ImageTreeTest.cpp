@@ -100,7 +100,7 @@ TEST_P(ImageTreeTest, MatchesBsdtarAndSourceAndReadsBack) {
 
     fsInfo info{};
     ASSERT_EQ(session.fs->GetFsInfo(&info), kOk);
-    EXPECT_EQ(info.uReserved, recipe.treeKind);
+    EXPECT_EQ(info.uFileSystem, recipe.treeKind);
     uint32_t folders = 0;
     for (const auto& [path, node] : tree) {
         folders += node.directory ? 1 : 0;

@@ -1,0 +1,222 @@
+#include "TestFiles.h"
+
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <fcntl.h>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <sstream>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace testsupport {
+
+namespace {
+
+std::string MapName(const std::string& name) {
+    std::string out;
+    for (char c : name) {
+        out += c == '\\' ? "\xEF\xBC\xBC" : std::string(1, c);
+    }
+    return out;
+}
+
+// mtree writes bytes outside printable ASCII and a few others as \ooo.
+std::string UnescapeMtree(const std::string& text) {
+    std::string out;
+    for (size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '\\' && i + 3 < text.size() &&
+            isdigit(static_cast<unsigned char>(text[i + 1]))) {
+            out += static_cast<char>(std::stoi(text.substr(i + 1, 3), nullptr, 8));
+            i += 3;
+        } else {
+            out += text[i];
+        }
+    }
+    return out;
+}
+
+} // namespace
+
+TempDir::TempDir() {
+    std::string pattern = (fs::temp_directory_path() / "qmz-test-XXXXXX").string();
+    path_ = mkdtemp(pattern.data());
+}
+
+TempDir::~TempDir() {
+    std::error_code ignored;
+    fs::permissions(path_, fs::perms::owner_all, fs::perm_options::add, ignored);
+    fs::remove_all(path_, ignored);
+}
+
+std::string CommandOutput(const std::string& command, int* pStatus) {
+    std::string output;
+    FILE* pipe = popen(command.c_str(), "r");
+    if (pipe == nullptr) {
+        return output;
+    }
+    std::array<char, 65536> buffer{};
+    size_t n = 0;
+    while ((n = fread(buffer.data(), 1, buffer.size(), pipe)) > 0) {
+        output.append(buffer.data(), n);
+    }
+    const int status = pclose(pipe);
+    if (pStatus != nullptr) {
+        *pStatus = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+    return output;
+}
+
+bool RunCommand(const std::string& command) {
+    int status = -1;
+    const std::string output = CommandOutput(command + " 2>&1", &status);
+    if (status != 0) {
+        ADD_FAILURE() << "command failed: " << command << "\n" << output;
+    }
+    return status == 0;
+}
+
+std::string Quote(const fs::path& path) {
+    std::string out = "'";
+    for (char c : path.string()) {
+        out += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    }
+    return out + "'";
+}
+
+void WriteFile(const fs::path& path, const std::vector<uint8_t>& bytes, int64_t mtime) {
+    fs::create_directories(path.parent_path());
+    std::ofstream(path, std::ios::binary)
+        .write(reinterpret_cast<const char*>(bytes.data()),
+               static_cast<std::streamsize>(bytes.size()));
+    if (mtime != 0) {
+        struct timespec times[2] = {{mtime, 0}, {mtime, 0}};
+        utimensat(AT_FDCWD, path.c_str(), times, 0);
+    }
+}
+
+std::vector<uint8_t> ReadWholeFile(const fs::path& path) {
+    std::ifstream in(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+std::vector<uint8_t> PatternBytes(size_t size, uint32_t seed) {
+    std::vector<uint8_t> bytes(size);
+    uint32_t x = seed * 2654435761u + 1;
+    for (auto& b : bytes) {
+        x ^= x << 13;
+        x ^= x >> 17;
+        x ^= x << 5;
+        b = static_cast<uint8_t>(x);
+    }
+    return bytes;
+}
+
+Tree BsdtarTree(const fs::path& image, std::map<std::string, std::string>* rawPaths) {
+    TempDir dir;
+    Tree tree;
+    if (!RunCommand("bsdtar -cf - --format=mtree --options='!all,type,size,time' @" + Quote(image) +
+                    " > " + Quote(dir / "mtree"))) {
+        return tree;
+    }
+    std::ifstream in(dir / "mtree");
+    std::string line;
+    while (std::getline(in, line)) {
+        if (line.rfind("./", 0) != 0) {
+            continue;
+        }
+        std::istringstream words(line);
+        std::string path;
+        words >> path;
+        std::string raw = UnescapeMtree(path.substr(2));
+        std::string mapped;
+        for (size_t start = 0;;) {
+            size_t cut = raw.find('/', start);
+            mapped += MapName(raw.substr(start, cut - start));
+            if (cut == std::string::npos) {
+                break;
+            }
+            mapped += '/';
+            start = cut + 1;
+        }
+        Node node;
+        std::string word;
+        while (words >> word) {
+            if (word == "type=dir") {
+                node.directory = true;
+            } else if (word.rfind("size=", 0) == 0) {
+                node.size = std::stoull(word.substr(5));
+            } else if (word.rfind("time=", 0) == 0) {
+                node.mtime = std::stoll(word.substr(5));
+            }
+        }
+        tree[mapped] = node;
+        if (rawPaths != nullptr) {
+            (*rawPaths)[mapped] = raw;
+        }
+    }
+    return tree;
+}
+
+Tree DiskTree(const fs::path& root) {
+    Tree tree;
+    for (const auto& entry : fs::recursive_directory_iterator(root)) {
+        struct stat st {};
+        lstat(entry.path().c_str(), &st);
+        Node node;
+        node.directory = S_ISDIR(st.st_mode);
+        node.size = S_ISREG(st.st_mode) ? static_cast<uint64_t>(st.st_size) : 0;
+        node.mtime = st.st_mtime;
+        tree[MapName(fs::relative(entry.path(), root).string())] = node;
+    }
+    return tree;
+}
+
+std::string ToUtf8(const std::u16string& text) {
+    std::string out;
+    for (size_t i = 0; i < text.size(); ++i) {
+        uint32_t cp = text[i];
+        if (cp >= 0xD800 && cp <= 0xDBFF && i + 1 < text.size()) {
+            cp = 0x10000 + ((cp - 0xD800) << 10) + (text[++i] - 0xDC00);
+        }
+        if (cp < 0x80) {
+            out += static_cast<char>(cp);
+        } else if (cp < 0x800) {
+            out += static_cast<char>(0xC0 | (cp >> 6));
+            out += static_cast<char>(0x80 | (cp & 0x3F));
+        } else if (cp < 0x10000) {
+            out += static_cast<char>(0xE0 | (cp >> 12));
+            out += static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
+            out += static_cast<char>(0x80 | (cp & 0x3F));
+        } else {
+            out += static_cast<char>(0xF0 | (cp >> 18));
+            out += static_cast<char>(0x80 | ((cp >> 12) & 0x3F));
+            out += static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
+            out += static_cast<char>(0x80 | (cp & 0x3F));
+        }
+    }
+    return out;
+}
+
+std::u16string ToUtf16(const std::string& text) {
+    std::u16string out;
+    for (size_t i = 0; i < text.size();) {
+        auto c = static_cast<uint8_t>(text[i]);
+        int extra = c < 0x80 ? 0 : c < 0xE0 ? 1 : c < 0xF0 ? 2 : 3;
+        uint32_t cp = extra == 0 ? c : c & (0x3F >> extra);
+        for (int k = 1; k <= extra; ++k) {
+            cp = (cp << 6) | (static_cast<uint8_t>(text[i + k]) & 0x3F);
+        }
+        i += 1 + extra;
+        if (cp >= 0x10000) {
+            out += static_cast<char16_t>(0xD800 + ((cp - 0x10000) >> 10));
+            out += static_cast<char16_t>(0xDC00 + ((cp - 0x10000) & 0x3FF));
+        } else {
+            out += static_cast<char16_t>(cp);
+        }
+    }
+    return out;
+}
+
+} // namespace testsupport
