@@ -146,34 +146,44 @@ TEST_F(ImageReaderTest, TheLibraryIsUnloadedOnlyWhenItAgrees) {
     }
 }
 
-struct WalkFaultCase {
+struct WalkCase {
     const char* name;
-    const char* fault;
+    const char* listing;
     qmz::Result result;
     size_t nRootChildren;
+    int32_t nRootSortState;
     bool bOpen;
 };
 
 TEST_F(ImageReaderTest, FailuresInsideTheWalkCountOnlyInTheLastFolder) {
-    // Listing order: FindFirst("") a, FindNext b, FindNext end; FindFirst("a") x, FindNext end;
+    // Calls: FindFirst("") gives a, FindNext b, FindNext end; FindFirst("a") x, FindNext end;
     // FindFirst("b") y, FindNext end.
-    const std::string volume = "d 0 a\nd 0 b\nf 1 0 a\\x\nf 2 0 b\\y\n";
-    const WalkFaultCase cases[] = {
-        {"FindNext fails in the first folder", "fail FindNext 1 0x80004005", qmz::kOk, 1, true},
-        {"FindNext fails in the last folder", "fail FindNext 4 0xE0FF0006", qmz::kEngineReadFailed,
-         2, false},
-        {"FindFirst fails", "fail FindFirst 2 0xE0FF0049", qmz::kEngineFindFailed, 2, false},
-        {"FindClose fails", "fail FindClose 1 0x80004005", qmz::kOk, 2, true},
-        {"GetFsInfo fails", "fail GetFsInfo 0 0xE0FF0053", qmz::MakeResult(0xE0FF0053), 0, false},
-        {"Attach fails", "fail Attach 0 0xE0FF001B", qmz::MakeResult(0xE0FF001B), 0, false},
-        {"Finish fails", "fail Finish 0 0xE0FF001C", qmz::MakeResult(0xE0FF001C), 0, false},
+#define TWO_FOLDERS "d 0 a\nd 0 b\nf 1 0 a\\x\nf 2 0 b\\y\n"
+    const WalkCase cases[] = {
+        {"all well", TWO_FOLDERS, qmz::kOk, 2, 1, true},
+        {"an empty volume", "volume EMPTY\n", qmz::kOk, 0, 0, true},
+        {"FindNext fails in the first folder", TWO_FOLDERS "fail FindNext 1 0x80004005", qmz::kOk,
+         1, 1, true},
+        {"FindNext fails in the last folder", TWO_FOLDERS "fail FindNext 4 0xE0FF0006",
+         qmz::kEngineReadFailed, 2, 1, false},
+        {"FindFirst fails", TWO_FOLDERS "fail FindFirst 2 0xE0FF0049", qmz::kEngineFindFailed, 2, 1,
+         false},
+        {"FindClose fails", TWO_FOLDERS "fail FindClose 1 0x80004005", qmz::kOk, 2, 1, true},
+        {"GetFsInfo fails", TWO_FOLDERS "fail GetFsInfo 0 0xE0FF0053", qmz::MakeResult(0xE0FF0053),
+         0, 0, false},
+        {"Attach fails", TWO_FOLDERS "fail Attach 0 0xE0FF001B", qmz::MakeResult(0xE0FF001B), 0, 0,
+         false},
+        {"Finish fails", TWO_FOLDERS "fail Finish 0 0xE0FF001C", qmz::MakeResult(0xE0FF001C), 0, 0,
+         false},
     };
+#undef TWO_FOLDERS
     CImageReader reader(QStringLiteral(FAKEQMZ_PATH));
-    for (const WalkFaultCase& c : cases) {
+    for (const WalkCase& c : cases) {
         COvDataItem root(QString(), COvDataItem::KindRoot, 0, 0);
-        const QString image = Listing((volume + c.fault + "\n").c_str());
+        const QString image = Listing(c.listing);
         EXPECT_EQ(reader.OpenImage(image, &root), c.result) << c.name;
         EXPECT_EQ(root.m_vecChildren.size(), c.nRootChildren) << c.name;
+        EXPECT_EQ(root.m_anSortState[0], c.nRootSortState) << c.name;
         EXPECT_EQ(reader.IsImageOpen(), c.bOpen) << c.name;
         EXPECT_EQ(reader.GetImagePath() == image, c.bOpen) << c.name;
     }
@@ -209,15 +219,23 @@ void ObservePump(void* pContext) {
     }
 }
 
-TEST_F(ImageReaderTest, ReportsScanProgressUpToHalfAndNotifiesTheOpening) {
+TEST_F(ImageReaderTest, ReportsProgressWithinItsRangesAndNotifiesTheOpening) {
     CImageReader reader(QStringLiteral(FAKEQMZ_PATH));
     Observer o;
     o.pReader = &reader;
     reader.SetCallback(ObserveNotice, &o);
     reader.SetPump(ObservePump, &o);
-    const QString image = Listing("wait-running 4\nf 1 0 a\n");
+    // Counters far below the real count must not push the walk's percent past 100.
+    std::string volume = "wait-running 4\ncounts 1 0\n";
+    for (int i = 0; i < 200; ++i) {
+        volume += "f 1 0 f" + std::to_string(i) + "\n";
+    }
+    const QString image = Listing(volume.c_str());
     ASSERT_EQ(reader.OpenImage(image, &m_root), qmz::kOk);
-    EXPECT_EQ(o.percents, (std::vector<int32_t>{0, 12, 25, 37}));
+    ASSERT_GT(o.percents.size(), 4u);
+    EXPECT_EQ(std::vector<int32_t>(o.percents.begin(), o.percents.begin() + 4),
+              (std::vector<int32_t>{0, 12, 25, 37}));
+    EXPECT_EQ(*std::max_element(o.percents.begin(), o.percents.end()), 100);
     EXPECT_EQ(o.notices, (std::vector<uint32_t>{NOTIFY_OPEN_BEGIN}));
     EXPECT_EQ(o.openPayload, image.toStdU16String());
 }
@@ -252,30 +270,6 @@ TEST_F(ImageReaderTest, AStopDuringTheWalkLeavesAPartialTreeAndNoImage) {
     EXPECT_FALSE(reader.IsImageOpen());
     EXPECT_GT(m_root.m_vecChildren.size(), 0u);
     EXPECT_LT(m_root.m_vecChildren.size(), 300u);
-}
-
-TEST_F(ImageReaderTest, TooSmallCountersCapThePercentAt100) {
-    CImageReader reader(QStringLiteral(FAKEQMZ_PATH));
-    Observer o;
-    o.pReader = &reader;
-    reader.SetPump(ObservePump, &o);
-    std::string volume = "counts 1 0\n";
-    for (int i = 0; i < 200; ++i) {
-        volume += "f 1 0 f" + std::to_string(i) + "\n";
-    }
-    ASSERT_EQ(reader.OpenImage(Listing(volume.c_str()), &m_root), qmz::kOk);
-    ASSERT_FALSE(o.percents.empty());
-    for (int32_t n : o.percents) {
-        EXPECT_LE(n, 100);
-    }
-}
-
-TEST_F(ImageReaderTest, AnEmptyVolumeOpensWithAnUnsortedRoot) {
-    CImageReader reader(QStringLiteral(FAKEQMZ_PATH));
-    ASSERT_EQ(reader.OpenImage(Listing("volume EMPTY\n"), &m_root), qmz::kOk);
-    EXPECT_TRUE(m_root.m_vecChildren.empty());
-    EXPECT_EQ(m_root.m_anSortState[0], 0);
-    EXPECT_EQ(m_root.m_strName, QStringLiteral("EMPTY"));
 }
 
 TEST_F(ImageReaderTest, AnImageHeldByAnotherProcessIsRefusedButReopensInThisOne) {

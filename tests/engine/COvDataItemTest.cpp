@@ -49,25 +49,7 @@ TEST(COvDataItem, SiblingsShareOnePathBuffer) {
     EXPECT_EQ(first->m_strName.constData(), first->m_strDisplayName.constData());
 }
 
-TEST(COvDataItem, SortsFoldersFirstThenNamesWithoutCase) {
-    COvDataItem root(QString(), COvDataItem::KindRoot, 0, 0);
-    for (const char* name : {"b.txt", "A.txt", "zeta", "Alpha", "c.TXT"}) {
-        const bool bFolder = QString::fromUtf8(name).indexOf(u'.') < 0;
-        Add(root, QStringLiteral("\\") + QString::fromUtf8(name),
-            bFolder ? COvDataItem::KindFolder : COvDataItem::KindFile);
-    }
-    root.SortChildrenByName();
-    QStringList order;
-    size_t pos = 0;
-    while (COvDataItem* pChild = root.GetNextChild(pos)) {
-        order << pChild->m_strName;
-    }
-    EXPECT_EQ(order.join(u','), QStringLiteral("Alpha,zeta,A.txt,b.txt,c.TXT"));
-    EXPECT_TRUE(COvDataItem::LessByNameAscending(nullptr, root.m_vecChildren[0]));
-    EXPECT_FALSE(COvDataItem::LessByNameAscending(root.m_vecChildren[0], nullptr));
-}
-
-TEST(COvDataItem, OrdersNamesExactlyAsQtsCaseInsensitiveCompare) {
+TEST(COvDataItem, SortsFoldersFirstThenNamesExactlyAsQtIgnoringCase) {
     // The sort has its own fast path for ASCII; every pair must still agree with Qt,
     // including characters that fold onto ASCII (the Kelvin sign, the long s).
     const QStringList names = {
@@ -89,6 +71,13 @@ TEST(COvDataItem, OrdersNamesExactlyAsQtsCaseInsensitiveCompare) {
                 << a->m_strName.toStdString() << " < " << b->m_strName.toStdString();
         }
     }
+    // Folders come before files whatever their names; a null pointer sorts first.
+    COvDataItem* folder = Add(root, QStringLiteral("\\zzz"), COvDataItem::KindFolder);
+    EXPECT_TRUE(COvDataItem::LessByNameAscending(folder, items.front()));
+    EXPECT_TRUE(COvDataItem::LessByNameAscending(nullptr, folder));
+    EXPECT_FALSE(COvDataItem::LessByNameAscending(folder, nullptr));
+    root.SortChildrenByName();
+    EXPECT_EQ(root.m_vecChildren.front(), folder);
 }
 
 TEST(COvDataItem, DestroysADeepChainWithoutRecursion) {
