@@ -1,0 +1,26 @@
+// The commands of ovrin-cli. Each takes the arguments after its own name and returns the
+// process's exit code.
+#pragma once
+
+#include <QStringList>
+
+namespace cli {
+
+inline constexpr int kExitOk = 0;
+inline constexpr int kExitFailure = 1;
+inline constexpr int kExitUsage = 2;
+inline constexpr int kExitInterrupted = 130;
+
+struct Command {
+    const char* name;
+    const char* usage; // the line shown in the usage text
+    int (*run)(const QStringList& args);
+};
+
+// "list" and "info": the tree of an image and its summary.
+int RunList(const QStringList& args);
+int RunInfo(const QStringList& args);
+
+void PrintError(const QString& text);
+
+} // namespace cli
