@@ -218,7 +218,7 @@ void IsoScanner::AddRecord(VolumeIndex& index, const DirectoryRecord& record, bo
     }
     entry.nameOffset = index.AppendName(name_.Data(), name_.Length());
     entry.nameLength = static_cast<uint16_t>(name_.Length());
-    index.Pending().push_back(entry);
+    index.AddPending(entry);
 }
 
 bool IsoScanner::ContinueMultiExtent(VolumeIndex& index, const DirectoryRecord& record) {
@@ -230,7 +230,7 @@ bool IsoScanner::ContinueMultiExtent(VolumeIndex& index, const DirectoryRecord& 
         damaged_ = true;
         return false;
     }
-    IndexEntry& file = index.Pending().back();
+    IndexEntry& file = index.LastPending();
     if (record.DataLength() > 0) {
         uint32_t extent = index.AppendExtent(FolderExtent(record));
         if (file.extentCount == 0) {
