@@ -1,6 +1,7 @@
 #include "VolumeBrowser.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
 #include <string_view>
 
@@ -19,7 +20,8 @@ uint32_t VolumeBrowser::Resolve(const char16_t* path) const {
 
 void VolumeBrowser::Fill(uint32_t entry, file_attr* attr) {
     const IndexEntry& e = index_.Entry(entry);
-    std::memset(attr, 0, sizeof(*attr));
+    // The name's buffer needs no clearing past its terminator: that is most of the structure.
+    std::memset(attr, 0, offsetof(file_attr, strName));
     bool hidden = (e.flags & kEntryHidden) != 0;
     if (e.IsDirectory()) {
         attr->uAttributes = kAttrDirectory | (hidden ? kAttrHidden : 0);

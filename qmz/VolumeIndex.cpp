@@ -37,11 +37,24 @@ uint32_t VolumeIndex::AppendExtent(const Extent& extent) {
     return static_cast<uint32_t>(extents_.size() - 1);
 }
 
+int VolumeIndex::CompareNames(std::u16string_view a, std::u16string_view b) {
+    // As std::u16string_view::compare, which looks at each unit twice.
+    size_t n = std::min(a.size(), b.size());
+    size_t i = 0;
+    while (i < n && a[i] == b[i]) {
+        ++i;
+    }
+    if (i < n) {
+        return a[i] < b[i] ? -1 : 1;
+    }
+    return a.size() < b.size() ? -1 : (a.size() > b.size() ? 1 : 0);
+}
+
 bool VolumeIndex::SortPending() {
     // Names are appended in record order, so the name offset keeps equal names in that order
     // (the first one keeps its name) without the buffer a stable sort would allocate.
     auto before = [this](const IndexEntry& a, const IndexEntry& b) {
-        int order = Name(a).compare(Name(b));
+        int order = CompareNames(Name(a), Name(b));
         return order < 0 || (order == 0 && a.nameOffset < b.nameOffset);
     };
     // ECMA-119 sorts a directory's records by identifier, which nearly always sorts the names
@@ -49,7 +62,7 @@ bool VolumeIndex::SortPending() {
     std::span<IndexEntry> pending = Pending();
     bool unique = true;
     for (size_t i = 1; i < pending.size(); ++i) {
-        int order = Name(pending[i - 1]).compare(Name(pending[i]));
+        int order = CompareNames(Name(pending[i - 1]), Name(pending[i]));
         if (order > 0) {
             std::sort(pending.begin(), pending.end(), before);
             return std::adjacent_find(pending.begin(), pending.end(),

@@ -75,6 +75,7 @@ public:
 private:
     // Sorts the pending entries; false when two of them have the same name.
     bool SortPending();
+    static int CompareNames(std::u16string_view a, std::u16string_view b);
     void RenameDuplicates();
     static std::u16string NumberedName(std::u16string_view base, uint32_t n);
     bool PendingHasName(std::u16string_view name) const;
