@@ -1,5 +1,7 @@
 #include "EntryName.h"
 
+#include <array>
+
 namespace qmz {
 
 namespace {
@@ -43,12 +45,35 @@ char32_t DecodeUtf8(const uint8_t* p, size_t length) {
     return cp;
 }
 
+// What AppendAscii needs to know of each byte.
+enum ByteClass : uint8_t {
+    kOrdinary = 0,
+    kNotAscii = 1,
+    kNotPlain = 2, // '\\', '/' or NUL: MakePlain replaces it
+};
+
+constexpr std::array<uint8_t, 256> MakeByteClasses() {
+    std::array<uint8_t, 256> classes{};
+    for (size_t b = 0x80; b < classes.size(); ++b) {
+        classes[b] = kNotAscii;
+    }
+    classes['\\'] = classes['/'] = classes[0] = kNotPlain;
+    return classes;
+}
+
+constexpr std::array<uint8_t, 256> kByteClasses = MakeByteClasses();
+
+bool IsNotPlain(char32_t cp) {
+    return cp == u'\\' || cp == u'/' || cp == 0;
+}
+
 } // namespace
 
 void EntryName::Push(char32_t cp) {
     if (full_) {
         return;
     }
+    plain_ = plain_ && !IsNotPlain(cp);
     uint32_t need = cp >= 0x10000 ? 2 : 1;
     if (length_ + need > kMaxNameUnits) {
         full_ = true; // truncate at a code-point boundary
@@ -64,22 +89,26 @@ void EntryName::Push(char32_t cp) {
 }
 
 bool EntryName::AppendAscii(const uint8_t* bytes, size_t count) {
-    // Most names are ASCII: they need neither validation nor decoding.
-    uint8_t any = 0;
-    for (size_t i = 0; i < count; ++i) {
-        any |= bytes[i];
-    }
-    if ((any & 0x80) != 0 || full_) {
+    // Most names are ASCII: they need neither validation nor decoding. The bytes are copied
+    // before it is known, and simply not counted when one turns out not to be ASCII.
+    if (full_) {
         return false;
     }
     size_t n = count;
     if (n > kMaxNameUnits - length_) {
-        n = kMaxNameUnits - length_;
-        full_ = true;
+        n = kMaxNameUnits - length_; // the bytes past the cut would not show anyway
     }
+    uint8_t seen = kOrdinary;
+    char16_t* out = units_ + length_;
     for (size_t i = 0; i < n; ++i) {
-        units_[length_ + i] = bytes[i];
+        out[i] = bytes[i];
+        seen |= kByteClasses[bytes[i]];
     }
+    if ((seen & kNotAscii) != 0) {
+        return false;
+    }
+    full_ = n < count;
+    plain_ = plain_ && (seen & kNotPlain) == 0;
     length_ += static_cast<uint32_t>(n);
     return true;
 }
@@ -163,7 +192,7 @@ void EntryName::StripFileVersion() {
 }
 
 void EntryName::MakePlain() {
-    for (uint32_t i = 0; i < length_; ++i) {
+    for (uint32_t i = 0; i < length_ && !plain_; ++i) {
         switch (units_[i]) {
         case u'\\':
             units_[i] = kFullwidthBackslash;

@@ -14,6 +14,7 @@ public:
     void Clear() {
         length_ = 0;
         full_ = false;
+        plain_ = true;
     }
     // ECMA-119 names are ASCII; any other byte is taken as Latin-1.
     void AppendLatin1(const uint8_t* bytes, size_t count);
@@ -40,6 +41,7 @@ private:
     char16_t units_[kMaxNameUnits];
     uint32_t length_ = 0;
     bool full_ = false;
+    bool plain_ = true; // no '\', '/' or NUL appended: MakePlain need not look at each unit
 };
 
 } // namespace qmz

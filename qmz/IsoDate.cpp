@@ -61,13 +61,13 @@ bool IsoDate::DecodeLong(const uint8_t* p, int64_t* utcSeconds) {
                    Digits(p + 12, 2), static_cast<int8_t>(p[16]), utcSeconds);
 }
 
-FileTime IsoDate::ToLocalFileTime(int64_t utcSeconds) {
+int64_t IsoDate::LocalOffset(int64_t utcSeconds) {
     auto t = static_cast<time_t>(utcSeconds);
     struct tm local {};
-    int64_t seconds = utcSeconds;
-    if (localtime_r(&t, &local) != nullptr) {
-        seconds += local.tm_gmtoff;
-    }
+    return localtime_r(&t, &local) != nullptr ? local.tm_gmtoff : 0;
+}
+
+FileTime IsoDate::ToFileTime(int64_t seconds) {
     if (seconds < -kSecondsFrom1601To1970) {
         return {0, 0};
     }

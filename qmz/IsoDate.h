@@ -15,9 +15,10 @@ public:
     static bool DecodeShort(const uint8_t* p, int64_t* utcSeconds);
     // ECMA-119 8.4.26.1: sixteen ASCII digits YYYYMMDDhhmmsscc and the GMT offset byte.
     static bool DecodeLong(const uint8_t* p, int64_t* utcSeconds);
-    // The instant as a FILETIME in the process's local time (the offset in force at that
-    // instant); an instant before 1601 gives 0.
-    static FileTime ToLocalFileTime(int64_t utcSeconds);
+    // The offset of the process's local time from UTC in force at that instant, in seconds.
+    static int64_t LocalOffset(int64_t utcSeconds);
+    // Seconds since 1970 as a FILETIME; an instant before 1601 gives 0.
+    static FileTime ToFileTime(int64_t seconds);
 
 private:
     static bool Combine(int64_t year, int month, int day, int hour, int minute, int second,

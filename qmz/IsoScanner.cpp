@@ -169,9 +169,10 @@ void IsoScanner::AddRecord(VolumeIndex& index, const DirectoryRecord& record, bo
     if (rockRidge_) {
         uint32_t skip = tree_.suspSkipBytes;
         uint32_t length = record.SystemUseLength();
-        attributes_.Reset();
         if (length > skip) {
             parser_.Parse(record.SystemUse() + skip, length - skip, &attributes_);
+        } else {
+            attributes_.Reset();
         }
         if (attributes_.relocated) {
             return; // shown where its CL placeholder stands
@@ -213,12 +214,14 @@ void IsoScanner::AddRecord(VolumeIndex& index, const DirectoryRecord& record, bo
             entry.extentCount = 1;
         }
         multi_.open = (record.Flags() & kRecordMultiExtent) != 0;
-        multi_.idLength = record.IdentifierLength();
-        std::memcpy(multi_.id, record.Identifier(), multi_.idLength);
+        if (multi_.open) {
+            multi_.idLength = record.IdentifierLength();
+            std::memcpy(multi_.id, record.Identifier(), multi_.idLength);
+        }
     }
     entry.nameOffset = index.AppendName(name_.Data(), name_.Length());
     entry.nameLength = static_cast<uint16_t>(name_.Length());
-    index.Pending().push_back(entry);
+    index.AddPending(entry);
 }
 
 bool IsoScanner::ContinueMultiExtent(VolumeIndex& index, const DirectoryRecord& record) {
@@ -230,7 +233,7 @@ bool IsoScanner::ContinueMultiExtent(VolumeIndex& index, const DirectoryRecord& 
         damaged_ = true;
         return false;
     }
-    IndexEntry& file = index.Pending().back();
+    IndexEntry& file = index.LastPending();
     if (record.DataLength() > 0) {
         uint32_t extent = index.AppendExtent(FolderExtent(record));
         if (file.extentCount == 0) {

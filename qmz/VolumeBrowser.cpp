@@ -1,10 +1,9 @@
 #include "VolumeBrowser.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
 #include <string_view>
-
-#include "IsoDate.h"
 
 namespace qmz {
 
@@ -19,9 +18,10 @@ uint32_t VolumeBrowser::Resolve(const char16_t* path) const {
     return index_.Resolve(path != nullptr ? std::u16string_view(path) : std::u16string_view());
 }
 
-void VolumeBrowser::Fill(uint32_t entry, file_attr* attr) const {
+void VolumeBrowser::Fill(uint32_t entry, file_attr* attr) {
     const IndexEntry& e = index_.Entry(entry);
-    std::memset(attr, 0, sizeof(*attr));
+    // The name's buffer needs no clearing past its terminator: that is most of the structure.
+    std::memset(attr, 0, offsetof(file_attr, strName));
     bool hidden = (e.flags & kEntryHidden) != 0;
     if (e.IsDirectory()) {
         attr->uAttributes = kAttrDirectory | (hidden ? kAttrHidden : 0);
@@ -30,7 +30,7 @@ void VolumeBrowser::Fill(uint32_t entry, file_attr* attr) const {
         attr->ullSize = e.size;
     }
     if ((e.flags & kEntryTimeValid) != 0) {
-        attr->ftLocalTime = IsoDate::ToLocalFileTime(e.mtime);
+        attr->ftLocalTime = localTime_.ToLocalFileTime(e.mtime);
     }
     std::u16string_view name = index_.Name(e);
     std::memcpy(attr->strName, name.data(), name.size() * sizeof(char16_t));
@@ -51,6 +51,7 @@ Result VolumeBrowser::FindFirst(const char16_t* folderPath, file_attr* attr) {
         return kFindFolderEmpty;
     }
     listing_ = true;
+    localTime_.Clear();
     nextChild_ = e.firstChild + 1;
     endChild_ = e.firstChild + e.childCount;
     Fill(e.firstChild, attr);

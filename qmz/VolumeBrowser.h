@@ -4,6 +4,7 @@
 
 #include <cstdint>
 
+#include "LocalTimeCache.h"
 #include "QmzTypes.h"
 #include "SectorSource.h"
 #include "VolumeIndex.h"
@@ -25,10 +26,11 @@ public:
 
 private:
     uint32_t Resolve(const char16_t* path) const;
-    void Fill(uint32_t entry, file_attr* attr) const;
+    void Fill(uint32_t entry, file_attr* attr);
 
     const VolumeIndex& index_;
     SectorSource& source_;
+    LocalTimeCache localTime_;
 
     bool listing_ = false;
     uint32_t nextChild_ = 0;

@@ -9,7 +9,7 @@ void VolumeIndex::Clear() {
     entries_.clear();
     names_.clear();
     extents_.clear();
-    pending_.clear();
+    pendingStart_ = 0;
     folders_ = 0;
     files_ = 0;
 }
@@ -22,12 +22,14 @@ void VolumeIndex::AddRoot(const Extent& extent, int64_t mtime, bool timeValid) {
     root.firstExtent = AppendExtent(extent);
     root.extentCount = 1;
     entries_.push_back(root);
+    pendingStart_ = 1;
 }
 
 uint32_t VolumeIndex::AppendName(const char16_t* units, uint32_t length) {
-    auto offset = static_cast<uint32_t>(names_.size());
-    names_.insert(names_.end(), units, units + length);
-    return offset;
+    size_t offset = names_.size();
+    names_.resize(offset + length);
+    std::copy_n(units, length, names_.data() + offset);
+    return static_cast<uint32_t>(offset);
 }
 
 uint32_t VolumeIndex::AppendExtent(const Extent& extent) {
@@ -35,20 +37,47 @@ uint32_t VolumeIndex::AppendExtent(const Extent& extent) {
     return static_cast<uint32_t>(extents_.size() - 1);
 }
 
-void VolumeIndex::SortPending() {
+int VolumeIndex::CompareNames(std::u16string_view a, std::u16string_view b) {
+    // As std::u16string_view::compare, which looks at each unit twice.
+    size_t n = std::min(a.size(), b.size());
+    size_t i = 0;
+    while (i < n && a[i] == b[i]) {
+        ++i;
+    }
+    if (i < n) {
+        return a[i] < b[i] ? -1 : 1;
+    }
+    return a.size() < b.size() ? -1 : (a.size() > b.size() ? 1 : 0);
+}
+
+bool VolumeIndex::SortPending() {
     // Names are appended in record order, so the name offset keeps equal names in that order
     // (the first one keeps its name) without the buffer a stable sort would allocate.
     auto before = [this](const IndexEntry& a, const IndexEntry& b) {
-        int order = Name(a).compare(Name(b));
+        int order = CompareNames(Name(a), Name(b));
         return order < 0 || (order == 0 && a.nameOffset < b.nameOffset);
     };
-    if (!std::is_sorted(pending_.begin(), pending_.end(), before)) {
-        std::sort(pending_.begin(), pending_.end(), before);
+    // ECMA-119 sorts a directory's records by identifier, which nearly always sorts the names
+    // shown too: one pass finds that out, and finds clashes, without sorting.
+    std::span<IndexEntry> pending = Pending();
+    bool unique = true;
+    for (size_t i = 1; i < pending.size(); ++i) {
+        int order = CompareNames(Name(pending[i - 1]), Name(pending[i]));
+        if (order > 0) {
+            std::sort(pending.begin(), pending.end(), before);
+            return std::adjacent_find(pending.begin(), pending.end(),
+                                      [this](const IndexEntry& a, const IndexEntry& b) {
+                                          return Name(a) == Name(b);
+                                      }) == pending.end();
+        }
+        unique = unique && order != 0;
     }
+    return unique;
 }
 
 bool VolumeIndex::PendingHasName(std::u16string_view name) const {
-    return std::any_of(pending_.begin(), pending_.end(),
+    auto pending = std::span(entries_).subspan(pendingStart_);
+    return std::any_of(pending.begin(), pending.end(),
                        [&](const IndexEntry& e) { return Name(e) == name; });
 }
 
@@ -66,10 +95,11 @@ std::u16string VolumeIndex::NumberedName(std::u16string_view base, uint32_t n) {
 
 void VolumeIndex::RenameDuplicates() {
     // Rare, so plain strings and linear look-ups are good enough here.
+    std::span<IndexEntry> pending = Pending();
     size_t runStart = 0;
-    for (size_t i = 1; i < pending_.size(); ++i) {
-        std::u16string_view base = Name(pending_[runStart]);
-        if (Name(pending_[i]) != base) {
+    for (size_t i = 1; i < pending.size(); ++i) {
+        std::u16string_view base = Name(pending[runStart]);
+        if (Name(pending[i]) != base) {
             runStart = i;
             continue;
         }
@@ -77,9 +107,9 @@ void VolumeIndex::RenameDuplicates() {
             std::u16string candidate = NumberedName(base, n);
             if (!PendingHasName(candidate)) {
                 // AppendName may move the buffer that `base` views; it is not used after this.
-                pending_[i].nameOffset =
+                pending[i].nameOffset =
                     AppendName(candidate.data(), static_cast<uint32_t>(candidate.size()));
-                pending_[i].nameLength = static_cast<uint16_t>(candidate.size());
+                pending[i].nameLength = static_cast<uint16_t>(candidate.size());
                 break;
             }
         }
@@ -88,24 +118,17 @@ void VolumeIndex::RenameDuplicates() {
 }
 
 void VolumeIndex::CommitChildren(uint32_t parent) {
-    SortPending();
-    for (size_t i = 1; i < pending_.size(); ++i) {
-        if (Name(pending_[i]) == Name(pending_[i - 1])) {
-            RenameDuplicates();
-            break;
-        }
+    if (!SortPending()) {
+        RenameDuplicates();
     }
-    entries_[parent].firstChild = static_cast<uint32_t>(entries_.size());
-    entries_[parent].childCount = static_cast<uint32_t>(pending_.size());
-    for (const IndexEntry& e : pending_) {
-        if (e.IsDirectory()) {
-            ++folders_;
-        } else {
-            ++files_;
-        }
-    }
-    entries_.insert(entries_.end(), pending_.begin(), pending_.end());
-    pending_.clear();
+    std::span<IndexEntry> pending = Pending();
+    entries_[parent].firstChild = pendingStart_;
+    entries_[parent].childCount = static_cast<uint32_t>(pending.size());
+    auto folders = static_cast<uint32_t>(std::count_if(
+        pending.begin(), pending.end(), [](const IndexEntry& e) { return e.IsDirectory(); }));
+    folders_ += folders;
+    files_ += static_cast<uint32_t>(pending.size()) - folders;
+    pendingStart_ = static_cast<uint32_t>(entries_.size());
 }
 
 uint32_t VolumeIndex::FindChild(const IndexEntry& folder, std::u16string_view name) const {

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -48,13 +49,15 @@ public:
     void AddRoot(const Extent& extent, int64_t mtime, bool timeValid);
 
     // Building a folder's children: names and extents go in first, then the entries that refer
-    // to them, then CommitChildren makes them the children of `parent`.
+    // to them, appended after all others, then CommitChildren makes them the children of
+    // `parent`.
     uint32_t AppendName(const char16_t* units, uint32_t length);
     uint32_t AppendExtent(const Extent& extent);
     size_t NameUnits() const { return names_.size(); }
-    std::vector<IndexEntry>& Pending() { return pending_; }
+    void AddPending(const IndexEntry& entry) { entries_.push_back(entry); }
+    IndexEntry& LastPending() { return entries_.back(); }
     // Sorts the pending entries by name, renames later duplicates "name (2)", "name (3)" so
-    // every entry stays reachable by path, and appends them as the children of `parent`.
+    // every entry stays reachable by path, and makes them the children of `parent`.
     void CommitChildren(uint32_t parent);
 
     uint32_t EntryCount() const { return static_cast<uint32_t>(entries_.size()); }
@@ -70,16 +73,19 @@ public:
     uint32_t Resolve(std::u16string_view path) const;
 
 private:
-    void SortPending();
+    // Sorts the pending entries; false when two of them have the same name.
+    bool SortPending();
+    static int CompareNames(std::u16string_view a, std::u16string_view b);
     void RenameDuplicates();
     static std::u16string NumberedName(std::u16string_view base, uint32_t n);
     bool PendingHasName(std::u16string_view name) const;
+    std::span<IndexEntry> Pending() { return std::span(entries_).subspan(pendingStart_); }
     uint32_t FindChild(const IndexEntry& folder, std::u16string_view name) const;
 
     std::vector<IndexEntry> entries_;
     std::vector<char16_t> names_;
     std::vector<Extent> extents_;
-    std::vector<IndexEntry> pending_;
+    uint32_t pendingStart_ = 0; // the entries from here on have no parent yet
     uint32_t folders_ = 0;
     uint32_t files_ = 0;
 };

@@ -191,10 +191,6 @@ protected:
 
 TempDir* BrokenImageTest::dir_ = nullptr;
 
-void PrintTo(const BrokenCase& c, std::ostream* out) {
-    *out << c.name;
-}
-
 TEST_P(BrokenImageTest, EndsWithAnErrorOrAPartialTree) {
     const BrokenCase& c = GetParam();
     IsoBytes iso{ReadWholeFile(*dir_ / "base.iso")};
@@ -216,7 +212,7 @@ TEST_P(BrokenImageTest, EndsWithAnErrorOrAPartialTree) {
         c.check(session);
     } else {
         EXPECT_EQ(scan, kOk);
-        session.Walk();
+        EXPECT_FALSE(session.Walk().empty());
     }
 }
 
@@ -224,49 +220,6 @@ INSTANTIATE_TEST_SUITE_P(Patched, BrokenImageTest, testing::ValuesIn(kCases),
                          [](const testing::TestParamInfo<BrokenCase>& param) {
                              return std::string(param.param.name);
                          });
-
-// Random bytes written over the directories and their system use areas, many times over.
-TEST(BrokenImageFuzzTest, RandomDamageNeverCrashes) {
-    TempDir dir;
-    fs::path src = dir / "src";
-    for (int i = 0; i < 40; ++i) {
-        WriteFile(src / ("d" + std::to_string(i % 4)) / ("file number " + std::to_string(i)),
-                  PatternBytes(i * 100, i));
-    }
-    ASSERT_TRUE(
-        RunCommand("genisoimage -quiet -R -J -o " + Quote(dir / "base.iso") + " " + Quote(src)));
-    IsoBytes base{ReadWholeFile(dir / "base.iso")};
-    // The descriptors and directories lie in the first sectors, before the file data.
-    size_t end = std::min(base.bytes.size(), size_t{40} * kSector);
-    uint32_t x = 12345;
-    auto next = [&x] {
-        x ^= x << 13;
-        x ^= x >> 17;
-        x ^= x << 5;
-        return x;
-    };
-    for (int round = 0; round < 300; ++round) {
-        IsoBytes iso = base;
-        for (int k = 0; k < 8; ++k) {
-            iso.bytes[16 * kSector + next() % (end - 16 * kSector)] = static_cast<uint8_t>(next());
-        }
-        fs::path image = dir / "damaged.iso";
-        WriteFile(image, iso.bytes);
-        Session session;
-        if (session.Open(image) != kOk) {
-            continue;
-        }
-        if (session.Scan() == kOk) {
-            Tree tree = session.Walk();
-            for (const auto& [path, node] : tree) {
-                std::vector<uint8_t> bytes;
-                if (!node.directory) {
-                    session.ReadAll(path, &bytes);
-                }
-            }
-        }
-    }
-}
 
 // ECMA-119 6.5.1: one file in two extents, made by patching a level-3 image of the files A
 // (4096 bytes) and B (2048 bytes): A's record gets the multi-extent flag and B's record A's
@@ -302,14 +255,14 @@ TEST(MultiExtentTest, JoinsConsecutiveRecords) {
     }
 }
 
-// The pread path, taken where the image cannot be mapped, gives the same tree.
+// The pread path, taken where the image cannot be mapped, gives the same tree and bytes.
 TEST(PreadTest, SameTreeWithoutMapping) {
     TempDir dir;
     WriteFile(dir / "src/a/b.txt", PatternBytes(10, 1));
     WriteFile(dir / "src/c.txt", PatternBytes(5000, 2));
     ASSERT_TRUE(RunCommand("xorriso -as mkisofs -quiet -R -J -o " + Quote(dir / "x.iso") + " " +
                            Quote(dir / "src")));
-    auto scan = [&](bool allowMapping, std::vector<uint8_t>* data) {
+    auto scan = [&](bool allowMapping) {
         ImageFile file;
         EXPECT_EQ(file.Open((dir / "x.iso").c_str(), allowMapping), kOk);
         EXPECT_EQ(file.Mapping() != nullptr, allowMapping);
@@ -317,25 +270,19 @@ TEST(PreadTest, SameTreeWithoutMapping) {
         IsoTree tree{};
         EXPECT_EQ(IsoVolume::Open(source, &tree), kOk);
         std::atomic<bool> cancel{false};
-        IsoScanner scanner(source, tree, cancel);
         VolumeIndex index;
-        EXPECT_EQ(scanner.Run(index), kOk);
-        EXPECT_FALSE(scanner.Damaged());
-        std::vector<std::u16string> names;
+        EXPECT_EQ(IsoScanner(source, tree, cancel).Run(index), kOk);
+        std::u16string names;
         for (uint32_t i = 0; i < index.EntryCount(); ++i) {
-            names.emplace_back(index.Name(index.Entry(i)));
+            names += std::u16string(index.Name(index.Entry(i))) + u"/";
         }
         const IndexEntry& c = index.Entry(index.Resolve(u"c.txt"));
-        const Extent& extent = index.ExtentAt(c.firstExtent);
-        data->resize(c.size);
-        EXPECT_EQ(source.CopyBytes(extent.lba, 0, data->data(), data->size()), kOk);
+        std::vector<uint8_t> data(c.size);
+        EXPECT_EQ(source.CopyBytes(index.ExtentAt(c.firstExtent).lba, 0, data.data(), c.size), kOk);
+        EXPECT_EQ(data, PatternBytes(5000, 2));
         return names;
     };
-    std::vector<uint8_t> mapped;
-    std::vector<uint8_t> read;
-    EXPECT_EQ(scan(true, &mapped), scan(false, &read));
-    EXPECT_EQ(mapped, PatternBytes(5000, 2));
-    EXPECT_EQ(read, mapped);
+    EXPECT_EQ(scan(true), scan(false));
 }
 
 } // namespace

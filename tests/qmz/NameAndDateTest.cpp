@@ -1,211 +1,156 @@
-// Name decoding, time conversion and the index's handling of clashing names.
+// What images made by the usual tools never hold: malformed names, odd dates, zone changes
+// off the quarter hour, and names that clash.
 #include <cstring>
 #include <gtest/gtest.h>
 
 #include "EntryName.h"
 #include "IsoDate.h"
+#include "LocalTimeCache.h"
 #include "VolumeIndex.h"
 
 namespace qmz {
 namespace {
 
-enum class Codec { kLatin1, kUtf8OrLatin1, kUtf16Be };
-
 struct NameCase {
-    const char* what;
-    Codec codec;
+    bool joliet; // else Rock Ridge bytes
     std::string bytes;
-    bool stripVersion;
     std::u16string expected;
 };
 
-const NameCase kNameCases[] = {
-    {"version removed", Codec::kLatin1, "README.TXT;1", true, u"README.TXT"},
-    {"dot left by an empty extension", Codec::kLatin1, "MAKEFILE.;1", true, u"MAKEFILE"},
-    {"semicolon without digits kept", Codec::kLatin1, "A;B", true, u"A;B"},
-    {"folder names keep their dot", Codec::kLatin1, "V1.", false, u"V1."},
-    {"Latin-1 byte", Codec::kLatin1, "caf\xE9", false, u"caf\u00E9"},
-    {"valid UTF-8", Codec::kUtf8OrLatin1,
-     "Gr\xC3\xBC\xC3\x9F"
-     "e",
-     false, u"Gr\u00FC\u00DFe"},
-    {"four-byte UTF-8", Codec::kUtf8OrLatin1, "\xF0\x9F\x98\x80", false, u"\U0001F600"},
-    {"invalid UTF-8 is Latin-1", Codec::kUtf8OrLatin1, "a\xC3(", false, u"a\u00C3("},
-    {"overlong UTF-8 is Latin-1", Codec::kUtf8OrLatin1, "\xE0\x80\xAF", false,
-     u"\u00E0\u0080\u00AF"},
-    {"backslash and slash", Codec::kUtf8OrLatin1, "a\\b/c", false, u"a\uFF3Cb\uFF0Fc"},
-    {"NUL", Codec::kUtf8OrLatin1, std::string("a\0b", 3), false, u"a\uFFFDb"},
-    {"empty", Codec::kUtf8OrLatin1, "", false, u"\uFFFD"},
-    {"dot", Codec::kUtf8OrLatin1, ".", false, u"\uFF0E"},
-    {"dot dot", Codec::kUtf8OrLatin1, "..", false, u"\uFF0E\uFF0E"},
-    {"three dots stay", Codec::kUtf8OrLatin1, "...", false, u"..."},
-    {"Joliet with version", Codec::kUtf16Be, std::string("\0a\0;\0001", 6), true, u"a"},
-    {"Joliet surrogate pair", Codec::kUtf16Be, std::string("\xD8\x3D\xDE\x00", 4), false,
-     u"\U0001F600"},
-    {"Joliet lone high surrogate", Codec::kUtf16Be, std::string("\xD8\x3D\0a", 4), false,
-     u"\uFFFDa"},
-    {"Joliet lone low surrogate", Codec::kUtf16Be, std::string("\xDE\x00", 2), false, u"\uFFFD"},
-    {"Joliet odd byte dropped", Codec::kUtf16Be, std::string("\0a\0", 3), false, u"a"},
-};
+template <class String> String Repeat(const String& text, int times) {
+    String out;
+    for (int i = 0; i < times; ++i) {
+        out += text;
+    }
+    return out;
+}
 
-TEST(EntryNameTest, DecodesAndMakesPlain) {
-    for (const NameCase& c : kNameCases) {
+TEST(EntryNameTest, DecodesMalformedNamesAndMakesThemPlain) {
+    const NameCase cases[] = {
+        {false, "a\xC3(", u"a\u00C3("},                              // invalid UTF-8 is Latin-1
+        {false, "\xE0\x80\xAF", u"\u00E0\u0080\u00AF"},              // overlong UTF-8 too
+        {false, "\xED\xA0\x80", u"\u00ED\u00A0\u0080"},              // so is an encoded surrogate
+        {false, std::string("a\0b/\\", 5), u"a\uFFFDb\uFF0F\uFF3C"}, // ASCII, not plain
+        {false, "\xC3\xA9/", u"\u00E9\uFF0F"},                       // UTF-8, not plain
+        {false, "", u"\uFFFD"},
+        {false, ".", u"\uFF0E"},
+        {false, "..", u"\uFF0E\uFF0E"},
+        {false, "...", u"..."},
+        {false, std::string(300, 'a'), std::u16string(kMaxNameUnits, u'a')},
+        {false, Repeat(std::string("\xF0\x9F\x98\x80"), 141),
+         Repeat(std::u16string(u"\U0001F600"), 140)},      // pairs kept whole
+        {true, std::string("\xD8\x3D\0a", 4), u"\uFFFDa"}, // lone high surrogate
+        {true, std::string("\xDE\x00", 2), u"\uFFFD"},     // lone low surrogate
+        {true, std::string("\0a\0/\0", 5), u"a\uFF0F"},    // odd byte dropped
+    };
+    for (const NameCase& c : cases) {
         EntryName name;
         name.Clear();
         auto* bytes = reinterpret_cast<const uint8_t*>(c.bytes.data());
-        switch (c.codec) {
-        case Codec::kLatin1:
-            name.AppendLatin1(bytes, c.bytes.size());
-            break;
-        case Codec::kUtf8OrLatin1:
-            name.AppendUtf8OrLatin1(bytes, c.bytes.size());
-            break;
-        case Codec::kUtf16Be:
+        if (c.joliet) {
             name.AppendUtf16Be(bytes, c.bytes.size());
-            break;
-        }
-        if (c.stripVersion) {
-            name.StripFileVersion();
+        } else {
+            name.AppendUtf8OrLatin1(bytes, c.bytes.size());
         }
         name.MakePlain();
-        EXPECT_EQ(std::u16string(name.Data(), name.Length()), c.expected) << c.what;
+        EXPECT_EQ(std::u16string(name.Data(), name.Length()), c.expected) << c.bytes;
     }
 }
 
-TEST(EntryNameTest, TruncatesAtCodePointBoundary) {
-    std::string emoji;
-    for (int i = 0; i < 200; ++i) {
-        emoji += "\xF0\x9F\x98\x80";
-    }
-    EntryName name;
-    name.Clear();
-    name.AppendUtf8OrLatin1(reinterpret_cast<const uint8_t*>(emoji.data()), emoji.size());
-    EXPECT_EQ(name.Length(), kMaxNameUnits - 1); // 140 pairs; the 141st would not fit
-    EXPECT_TRUE(name.Data()[name.Length() - 1] >= 0xDC00);
-}
-
-struct DateCase {
-    const char* what;
-    uint8_t bytes[7];
-    bool valid;
-    int64_t utc;
-};
-
-const DateCase kDateCases[] = {
-    {"GMT", {101, 2, 3, 4, 5, 6, 0}, true, 981173106},
-    {"GMT+1 is an hour earlier in UTC", {101, 2, 3, 5, 5, 6, 4}, true, 981173106},
-    {"GMT-12", {101, 2, 2, 16, 5, 6, static_cast<uint8_t>(-48)}, true, 981173106},
-    {"offset out of range is ignored", {101, 2, 3, 4, 5, 6, 100}, true, 981173106},
-    {"all zero", {0, 0, 0, 0, 0, 0, 0}, false, 0},
-    {"month 13", {101, 13, 3, 4, 5, 6, 0}, false, 0},
-    {"hour 24", {101, 1, 3, 24, 5, 6, 0}, false, 0},
-    {"1900", {0, 1, 1, 0, 0, 0, 0}, true, -2208988800},
-    {"2155", {255, 12, 31, 23, 59, 59, 0}, true, 5869583999},
-};
-
-TEST(IsoDateTest, DecodesShortForm) {
-    for (const DateCase& c : kDateCases) {
+TEST(IsoDateTest, DecodesBothForms) {
+    struct Case {
+        uint8_t bytes[7];
+        bool valid;
+        int64_t utc;
+    };
+    const Case shortForms[] = {
+        {{101, 2, 3, 5, 5, 6, 4}, true, 981173106},                          // GMT+1
+        {{101, 2, 2, 16, 5, 6, static_cast<uint8_t>(-48)}, true, 981173106}, // GMT-12
+        {{101, 2, 3, 4, 5, 6, 100}, true, 981173106}, // offset out of range ignored
+        {{0, 0, 0, 0, 0, 0, 0}, false, 0},
+        {{101, 13, 3, 4, 5, 6, 0}, false, 0},
+        {{0, 1, 1, 0, 0, 0, 0}, true, -2208988800},
+        {{255, 12, 31, 23, 59, 59, 0}, true, 5869583999},
+    };
+    for (const Case& c : shortForms) {
         int64_t utc = 0;
-        EXPECT_EQ(IsoDate::DecodeShort(c.bytes, &utc), c.valid) << c.what;
-        if (c.valid) {
-            EXPECT_EQ(utc, c.utc) << c.what;
+        EXPECT_EQ(IsoDate::DecodeShort(c.bytes, &utc), c.valid) << int{c.bytes[0]};
+        EXPECT_EQ(c.valid ? utc : 0, c.utc) << int{c.bytes[0]};
+    }
+    const std::pair<const char*, int64_t> longForms[] = {
+        {"2001020305050600", 981173106}, {"0000000000000000", -1}, {"20010203x5050600", -1}};
+    for (const auto& [digits, utc] : longForms) {
+        uint8_t stamp[17];
+        std::memcpy(stamp, digits, 16);
+        stamp[16] = 4; // GMT+1
+        int64_t got = -1;
+        EXPECT_EQ(IsoDate::DecodeLong(stamp, &got), utc != -1) << digits;
+        EXPECT_EQ(got, utc) << digits;
+    }
+}
+
+// The cache must give what localtime_r gives, also around changes off the quarter hour
+// (Amsterdam's local mean time until 1937) and in a zone set after an earlier listing.
+TEST(LocalTimeCacheTest, AgreesWithTheZoneAtEachInstant) {
+    struct Case {
+        const char* zone;
+        int64_t around; // a change of offset
+    };
+    const Case cases[] = {
+        {"CET-1CEST,M3.5.0,M10.5.0/3", 985482000}, // 2001-03-25 01:00 UTC
+        {"Europe/Amsterdam", -1693700372},         // 1916-04-30 23:40:28 UTC
+        {"Asia/Kolkata", -764145000},              // 1945-10-14 17:30 UTC
+    };
+    std::string saved = getenv("TZ") != nullptr ? getenv("TZ") : "";
+    LocalTimeCache cache;
+    for (const Case& c : cases) {
+        setenv("TZ", c.zone, 1);
+        tzset();
+        cache.Clear();
+        for (int64_t t = c.around - 3600; t < c.around + 3600; t += 37) {
+            FileTime got = cache.ToLocalFileTime(t);
+            FileTime expected = IsoDate::ToFileTime(t + IsoDate::LocalOffset(t));
+            ASSERT_EQ(got.dwLowDateTime, expected.dwLowDateTime) << c.zone << " " << t;
+            ASSERT_EQ(got.dwHighDateTime, expected.dwHighDateTime) << c.zone << " " << t;
         }
     }
-}
-
-TEST(IsoDateTest, DecodesLongForm) {
-    int64_t utc = 0;
-    uint8_t stamp[17];
-    std::memcpy(stamp, "2001020305050600", 16);
-    stamp[16] = 4; // GMT+1
-    ASSERT_TRUE(IsoDate::DecodeLong(stamp, &utc));
-    EXPECT_EQ(utc, 981173106);
-    std::memcpy(stamp, "0000000000000000", 16);
-    EXPECT_FALSE(IsoDate::DecodeLong(stamp, &utc));
-    std::memcpy(stamp, "20010203x5050600", 16);
-    EXPECT_FALSE(IsoDate::DecodeLong(stamp, &utc));
-}
-
-TEST(IsoDateTest, LocalFileTimeFollowsTheZoneAtThatInstant) {
-    std::string saved = getenv("TZ") != nullptr ? getenv("TZ") : "";
-    setenv("TZ", "CET-1CEST,M3.5.0,M10.5.0/3", 1);
-    tzset();
-    constexpr int64_t kWinter = 981173106; // February: UTC+1
-    constexpr int64_t kSummer = 994133106; // July: UTC+2
-    auto seconds = [](FileTime ft) {
-        uint64_t ticks = (uint64_t{ft.dwHighDateTime} << 32) | ft.dwLowDateTime;
-        return static_cast<int64_t>(ticks / 10000000) - 11644473600;
-    };
-    EXPECT_EQ(seconds(IsoDate::ToLocalFileTime(kWinter)), kWinter + 3600);
-    EXPECT_EQ(seconds(IsoDate::ToLocalFileTime(kSummer)), kSummer + 7200);
     setenv("TZ", saved.c_str(), 1);
     tzset();
-    FileTime before1601 = IsoDate::ToLocalFileTime(-11644473601 - 86400);
+    FileTime before1601 = IsoDate::ToFileTime(-11644473601);
     EXPECT_EQ(before1601.dwLowDateTime | before1601.dwHighDateTime, 0u);
 }
 
-class IndexBuilder {
-public:
-    explicit IndexBuilder(VolumeIndex& index) : index_(index) {}
-    void Add(std::u16string_view name, bool directory = false) {
-        IndexEntry e{};
-        e.flags = directory ? kEntryDirectory : 0;
-        e.nameOffset = index_.AppendName(name.data(), static_cast<uint32_t>(name.size()));
-        e.nameLength = static_cast<uint16_t>(name.size());
-        index_.Pending().push_back(e);
-    }
-
-private:
-    VolumeIndex& index_;
-};
-
-std::vector<std::u16string> Children(const VolumeIndex& index, uint32_t folder) {
-    std::vector<std::u16string> names;
-    const IndexEntry& f = index.Entry(folder);
-    for (uint32_t i = f.firstChild; i < f.firstChild + f.childCount; ++i) {
-        names.emplace_back(index.Name(index.Entry(i)));
-    }
-    return names;
-}
-
-TEST(VolumeIndexTest, SortsRenamesClashesAndResolves) {
+TEST(VolumeIndexTest, RenamesClashesWithinTheNameLimitAndResolves) {
     VolumeIndex index;
     index.AddRoot({0, 0}, 0, false);
-    IndexBuilder b(index);
-    b.Add(u"b");
-    b.Add(u"a", true);
-    b.Add(u"b");
-    b.Add(u"b (2)"); // taken already: the second "b" becomes "b (3)"
-    b.Add(u"b");
+    auto add = [&](std::u16string_view name, bool directory = false) {
+        IndexEntry e{};
+        e.flags = directory ? kEntryDirectory : 0;
+        e.nameOffset = index.AppendName(name.data(), static_cast<uint32_t>(name.size()));
+        e.nameLength = static_cast<uint16_t>(name.size());
+        index.AddPending(e);
+    };
+    std::u16string longName(kMaxNameUnits, u'x');
+    for (std::u16string_view name : {u"b", u"a", u"b", u"b (2)", u"b"}) {
+        add(name, name == u"a");
+    }
+    add(longName);
+    add(longName);
     index.CommitChildren(VolumeIndex::kRoot);
-    EXPECT_EQ(Children(index, 0),
-              (std::vector<std::u16string>{u"a", u"b", u"b (2)", u"b (3)", u"b (4)"}));
-    uint32_t a = index.Resolve(u"a");
-    ASSERT_NE(a, VolumeIndex::kNotFound);
-    b.Add(u"x");
-    index.CommitChildren(a);
-    EXPECT_EQ(index.Resolve(u""), VolumeIndex::kRoot);
+    std::vector<std::u16string> names;
+    for (uint32_t i = 0; i < index.Entry(0).childCount; ++i) {
+        names.emplace_back(index.Name(index.Entry(index.Entry(0).firstChild + i)));
+    }
+    std::u16string renamed = longName.substr(4) + u" (2)";
+    EXPECT_EQ(names, (std::vector<std::u16string>{u"a", u"b", u"b (2)", u"b (3)", u"b (4)", renamed,
+                                                  longName}));
+    add(u"x");
+    index.CommitChildren(index.Resolve(u"a"));
     EXPECT_NE(index.Resolve(u"a\\x"), VolumeIndex::kNotFound);
-    EXPECT_EQ(index.Resolve(u"a\\y"), VolumeIndex::kNotFound);
     EXPECT_EQ(index.Resolve(u"b\\x"), VolumeIndex::kNotFound); // b is a file
     EXPECT_EQ(index.Resolve(u"a\\"), VolumeIndex::kNotFound);
     EXPECT_EQ(index.FolderCount(), 1u);
-    EXPECT_EQ(index.FileCount(), 5u);
-}
-
-TEST(VolumeIndexTest, NumberedNameOfALongNameStaysWithinTheLimit) {
-    VolumeIndex index;
-    index.AddRoot({0, 0}, 0, false);
-    IndexBuilder b(index);
-    std::u16string longName(kMaxNameUnits, u'x');
-    b.Add(longName);
-    b.Add(longName);
-    index.CommitChildren(VolumeIndex::kRoot);
-    std::vector<std::u16string> names = Children(index, 0);
-    ASSERT_EQ(names.size(), 2u);
-    EXPECT_EQ(names[0].size(), kMaxNameUnits);
-    EXPECT_EQ(names[1].size(), kMaxNameUnits);
-    EXPECT_EQ(names[0].substr(kMaxNameUnits - 4), u" (2)");
+    EXPECT_EQ(index.FileCount(), 7u);
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "TestSupport.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <gtest/gtest.h>
 
@@ -10,20 +11,19 @@ namespace {
 // The engine's times are local; the tests compare them in UTC.
 [[maybe_unused]] const int kUtc = (setenv("TZ", "UTC0", 1), tzset(), 0);
 
-} // namespace
-
 int64_t FileTimeToUnix(const FileTime& ft) {
     uint64_t ticks = (uint64_t{ft.dwHighDateTime} << 32) | ft.dwLowDateTime;
     return static_cast<int64_t>(ticks / 10000000) - 11644473600;
 }
+
+} // namespace
 
 Session::Session() {
     IClassFactory* factory = nullptr;
     EXPECT_EQ(
         DllGetClassObject(&kClsidQmzEngine, &kIidClassFactory, reinterpret_cast<void**>(&factory)),
         kOk);
-    EXPECT_EQ(factory->CreateInstance(nullptr, kIidQmzEngine, reinterpret_cast<void**>(&engine_)),
-              kOk);
+    factory->CreateInstance(nullptr, kIidQmzEngine, reinterpret_cast<void**>(&engine_));
     factory->Release();
 }
 
@@ -43,97 +43,65 @@ Session::~Session() {
 }
 
 Result Session::Open(const fs::path& image) {
-    std::u16string path = ToUtf16(image.string());
-    Result r = engine_->OpenDrive(0, kAccessRead, path.c_str(), &drive_);
-    if (r != kOk) {
-        return r;
-    }
-    EXPECT_EQ(engine_->CreateReader(kIidQmzReader, &reader), kOk);
-    EXPECT_EQ(reader->Attach(drive_), kOk);
-    r = reader->Load();
+    Result r = engine_->OpenDrive(0, kAccessRead, ToUtf16(image.string()).c_str(), &drive_);
     if (r == kOk) {
-        EXPECT_EQ(reader->QueryInterface(kIidQmzFileSystem, reinterpret_cast<void**>(&fs)), kOk);
+        engine_->CreateReader(kIidQmzReader, &reader);
+        reader->Attach(drive_);
+        r = reader->Load();
+    }
+    if (r == kOk) {
+        reader->QueryInterface(kIidQmzFileSystem, reinterpret_cast<void**>(&fs));
     }
     return r;
 }
 
 Result Session::Scan() {
     Result r = reader->Start(kScanOperation, 0, 0);
-    if (r != kOk) {
-        return r;
-    }
     uint32_t state = 0;
     float progress = 0;
-    while ((r = reader->Wait(100, &state, &progress)) == kWaitStillRunning) {
-        EXPECT_GE(progress, 0.0f);
-        EXPECT_LE(progress, 1.0f);
+    while (r == kOk && (r = reader->Wait(100, &state, &progress)) == kWaitStillRunning) {
+        EXPECT_TRUE(progress >= 0.0f && progress <= 1.0f) << progress;
     }
-    EXPECT_EQ(r, kOk);
-    return reader->Finish();
+    return r == kOk ? reader->Finish() : r;
 }
 
-void Session::WalkFolder(const std::u16string& folder, const std::string& prefix, Tree* tree,
-                         int* failures) {
+Tree Session::Walk(const std::u16string& folder, const std::string& prefix) {
     // One listing at a time: gather the folder's entries, then go down.
-    std::vector<std::pair<std::u16string, bool>> children;
+    Tree tree;
     file_attr attr{};
     Result r = fs->FindFirst(folder.c_str(), &attr);
-    if (r == kFindFolderEmpty) {
-        return;
-    }
-    if (r != kOk) {
-        ++*failures;
-        return;
-    }
-    do {
-        std::u16string name(attr.strName);
+    for (; r == kOk; r = fs->FindNext(&attr)) {
         bool directory = (attr.uAttributes & kAttrDirectory) != 0;
-        Node node{directory, attr.ullSize, FileTimeToUnix(attr.ftLocalTime)};
-        (*tree)[prefix + ToUtf8(name)] = node;
-        children.emplace_back(name, directory);
-    } while ((r = fs->FindNext(&attr)) == kOk);
-    if (r != kFindNoMoreEntries) {
-        ++*failures;
+        tree[prefix + ToUtf8(attr.strName)] = {directory, attr.ullSize,
+                                               FileTimeToUnix(attr.ftLocalTime)};
     }
+    failures += r == kFindNoMoreEntries || r == kFindFolderEmpty ? 0 : 1;
     fs->FindClose();
-    for (const auto& [name, directory] : children) {
-        if (directory) {
-            WalkFolder(folder.empty() ? name : folder + u"\\" + name, prefix + ToUtf8(name) + "/",
-                       tree, failures);
+    Tree below;
+    for (const auto& [path, node] : tree) {
+        if (node.directory) {
+            std::u16string name = ToUtf16(path.substr(prefix.size()));
+            below.merge(Walk(folder.empty() ? name : folder + u"\\" + name, path + "/"));
         }
     }
-}
-
-Tree Session::Walk(int* failures) {
-    Tree tree;
-    int ignored = 0;
-    WalkFolder(u"", "", &tree, failures != nullptr ? failures : &ignored);
+    tree.merge(below);
     return tree;
 }
 
 Result Session::ReadAll(const std::string& path, std::vector<uint8_t>* out, uint32_t chunk) {
     std::u16string enginePath = ToUtf16(path);
-    for (auto& c : enginePath) {
-        c = c == u'/' ? u'\\' : c;
-    }
+    std::replace(enginePath.begin(), enginePath.end(), u'/', u'\\');
     uint64_t size = 0;
     Result r = fs->OpenFile(enginePath.c_str(), &size);
-    if (r != kOk) {
-        return r;
-    }
     out->clear();
     std::vector<uint8_t> buffer(chunk);
     uint32_t got = 0;
-    while ((r = fs->ReadFile(buffer.data(), chunk, &got, 0)) == kOk && got > 0) {
+    while (r == kOk && (r = fs->ReadFile(buffer.data(), chunk, &got, 0)) == kOk && got > 0) {
         out->insert(out->end(), buffer.begin(), buffer.begin() + got);
-        if (out->size() < size) {
-            EXPECT_EQ(got, chunk) << "short read before the end of " << path;
-        }
+        EXPECT_TRUE(got == chunk || out->size() == size) << "short read in " << path;
     }
     fs->CloseFile();
-    if (r == kOk) {
-        EXPECT_EQ(out->size(), size) << path;
-    }
+    EXPECT_TRUE(r != kOk || out->size() == size) << path;
     return r;
 }
 

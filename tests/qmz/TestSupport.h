@@ -22,9 +22,7 @@ namespace qmz::test {
 
 using namespace testsupport;
 
-int64_t FileTimeToUnix(const FileTime& ft);
-
-// The engine opened on one image through DllGetClassObject, as the program uses it.
+// One engine, drive and reader on one image.
 class Session {
 public:
     Session();
@@ -32,19 +30,16 @@ public:
     Result Open(const fs::path& image);
     // Start, Wait until done, Finish: the result of Finish.
     Result Scan();
-    // The whole tree through FindFirst/FindNext; entries the listing refused are counted in
-    // `failures`.
-    Tree Walk(int* failures = nullptr);
+    // The whole tree through FindFirst/FindNext; refused listings are counted in `failures`.
+    Tree Walk(const std::u16string& folder = u"", const std::string& prefix = "");
     // The file's bytes through OpenFile/ReadFile, in reads of `chunk` bytes.
     Result ReadAll(const std::string& path, std::vector<uint8_t>* out, uint32_t chunk = 32768);
 
     IQmzReader* reader = nullptr;
     IQmzFileSystem* fs = nullptr;
+    int failures = 0;
 
 private:
-    void WalkFolder(const std::u16string& folder, const std::string& prefix, Tree* tree,
-                    int* failures);
-
     IQmzEngine* engine_ = nullptr;
     IQmzDrive* drive_ = nullptr;
 };
