@@ -49,10 +49,10 @@ int PrintInfo(const CImageReader& reader, const COvDataItem& root) {
     return std::fflush(stdout) == 0 ? kExitOk : kExitFailure;
 }
 
-// Opens the image into root; an exit code when that failed, else -1.
-int OpenInto(CImageReader& reader, const QString& imageArg, COvDataItem& root) {
-    // The reader makes the program's folder current, so the path is made absolute first.
-    const QString imagePath = QFileInfo(imageArg).absoluteFilePath();
+// Opens the image into root; an exit code when that failed, else -1. The path must be made
+// absolute before the reader exists, because the reader makes the program's folder current.
+int OpenInto(CImageReader& reader, const QString& imageArg, const QString& imagePath,
+             COvDataItem& root) {
     if (!QFileInfo(imagePath).isFile()) {
         PrintError(QStringLiteral("\"%1\" does not exist or is not a file.").arg(imageArg));
         return kExitFailure;
@@ -77,9 +77,10 @@ int RunList(const QStringList& args) {
     if (args.size() != 1) {
         return kExitUsage;
     }
+    const QString imagePath = QFileInfo(args[0]).absoluteFilePath();
     CImageReader reader;
     COvDataItem root(QString(), COvDataItem::KindRoot, 0, 0);
-    if (const int exitCode = OpenInto(reader, args[0], root); exitCode >= 0) {
+    if (const int exitCode = OpenInto(reader, args[0], imagePath, root); exitCode >= 0) {
         return exitCode;
     }
     TreePrinter printer(stdout);
@@ -94,9 +95,10 @@ int RunInfo(const QStringList& args) {
     if (args.size() != 1) {
         return kExitUsage;
     }
+    const QString imagePath = QFileInfo(args[0]).absoluteFilePath();
     CImageReader reader;
     COvDataItem root(QString(), COvDataItem::KindRoot, 0, 0);
-    if (const int exitCode = OpenInto(reader, args[0], root); exitCode >= 0) {
+    if (const int exitCode = OpenInto(reader, args[0], imagePath, root); exitCode >= 0) {
         return exitCode;
     }
     return PrintInfo(reader, root);
