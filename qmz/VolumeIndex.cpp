@@ -76,7 +76,7 @@ bool VolumeIndex::SortPending() {
 }
 
 bool VolumeIndex::PendingHasName(std::u16string_view name) const {
-    auto pending = std::span(entries_).subspan(pendingStart_);
+    auto pending = std::span(entries_.data(), entries_.size()).subspan(pendingStart_);
     return std::any_of(pending.begin(), pending.end(),
                        [&](const IndexEntry& e) { return Name(e) == name; });
 }

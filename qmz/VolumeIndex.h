@@ -3,6 +3,8 @@
 // extents in one array. A path resolves by a binary search per component.
 #pragma once
 
+#include "MappedArray.h"
+
 #include <cstdint>
 #include <span>
 #include <string>
@@ -79,12 +81,12 @@ private:
     void RenameDuplicates();
     static std::u16string NumberedName(std::u16string_view base, uint32_t n);
     bool PendingHasName(std::u16string_view name) const;
-    std::span<IndexEntry> Pending() { return std::span(entries_).subspan(pendingStart_); }
+    std::span<IndexEntry> Pending() { return entries_.span().subspan(pendingStart_); }
     uint32_t FindChild(const IndexEntry& folder, std::u16string_view name) const;
 
-    std::vector<IndexEntry> entries_;
-    std::vector<char16_t> names_;
-    std::vector<Extent> extents_;
+    MappedArray<IndexEntry> entries_;
+    MappedArray<char16_t> names_;
+    MappedArray<Extent> extents_;
     uint32_t pendingStart_ = 0; // the entries from here on have no parent yet
     uint32_t folders_ = 0;
     uint32_t files_ = 0;
