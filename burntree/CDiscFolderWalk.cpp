@@ -29,14 +29,6 @@ QString DiscFolderName(const QString& name) {
     return name;
 }
 
-uint32_t LowHalf(uint64_t value) {
-    return static_cast<uint32_t>(value);
-}
-
-uint32_t HighHalf(uint64_t value) {
-    return static_cast<uint32_t>(value >> 32);
-}
-
 } // namespace
 
 CDiscFolderWalk::CDiscFolderWalk(ITvnDataTree& tree, bool bDiscFoldersFirst)
@@ -141,8 +133,8 @@ ITvnTreeNode* CDiscFolderWalk::InsertFile(const QString& source, const QString& 
                                           uint64_t ullSize, ITvnTreeNode* pParent,
                                           ITvnTreeNode* pAfter) {
     ITvnTreeNode* pNode =
-        m_tree.InsertNode(source, &dest, nullptr, ITvnTreeNode::KindFile, 0, LowHalf(ullSize),
-                          HighHalf(ullSize), 0, pParent, pAfter, nullptr);
+        m_tree.InsertNode(source, &dest, nullptr, ITvnTreeNode::KindFile, 0, TvnLowHalf(ullSize),
+                          TvnHighHalf(ullSize), 0, pParent, pAfter, nullptr);
     if (pNode != nullptr) {
         m_tree.SetNextSector(m_tree.GetNextSector() + static_cast<uint32_t>(TvnSectorsOf(ullSize)));
     }

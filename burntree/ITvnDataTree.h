@@ -13,6 +13,15 @@ inline constexpr qmz::Result kTvnBadNode = qmz::MakeResult(0xE0FF003D);
 
 inline constexpr uint64_t kTvnSectorBytes = 2048;
 
+inline uint32_t TvnLowHalf(uint64_t value) {
+    return static_cast<uint32_t>(value);
+}
+
+inline uint32_t TvnHighHalf(uint64_t value) {
+    constexpr unsigned kHighHalfShift = 32;
+    return static_cast<uint32_t>(value >> kHighHalfShift);
+}
+
 inline uint64_t TvnSectorsOf(uint64_t ullBytes) {
     return ullBytes / kTvnSectorBytes + (ullBytes % kTvnSectorBytes != 0 ? 1 : 0);
 }

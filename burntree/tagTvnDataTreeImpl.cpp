@@ -7,16 +7,7 @@
 
 namespace {
 
-constexpr unsigned kHighHalfShift = 32;
 const QString kRootDest = QStringLiteral("\\");
-
-uint32_t LowHalf(uint64_t value) {
-    return static_cast<uint32_t>(value);
-}
-
-uint32_t HighHalf(uint64_t value) {
-    return static_cast<uint32_t>(value >> kHighHalfShift);
-}
 
 } // namespace
 
@@ -45,9 +36,9 @@ qmz::Result tagTvnDataTreeImpl::CopyTree(const ITvnDataTree& other) {
     if (pRoot == nullptr) {
         return qmz::kOk;
     }
-    const qmz::Result hr =
-        CreateRoot(pRoot->GetSource(), &pRoot->GetDest(), pRoot->GetKind(),
-                   LowHalf(pRoot->GetSize()), HighHalf(pRoot->GetSize()), pRoot->GetStartSector());
+    const qmz::Result hr = CreateRoot(pRoot->GetSource(), &pRoot->GetDest(), pRoot->GetKind(),
+                                      TvnLowHalf(pRoot->GetSize()), TvnHighHalf(pRoot->GetSize()),
+                                      pRoot->GetStartSector());
     if (hr < 0) {
         return hr;
     }
@@ -62,7 +53,7 @@ qmz::Result tagTvnDataTreeImpl::CopyChildren(const ITvnDataTree& other, const IT
         tagTvnStamp stamp{};
         pLastCopy = InsertNode(pChild->GetSource(), &pChild->GetDest(), &pChild->GetAltName(),
                                pChild->GetKind(), pChild->GetUserValue(),
-                               LowHalf(pChild->GetSize()), HighHalf(pChild->GetSize()),
+                               TvnLowHalf(pChild->GetSize()), TvnHighHalf(pChild->GetSize()),
                                pChild->GetStartSector(), pTo, pLastCopy, &pChild->GetStamp(stamp));
         if (pLastCopy == nullptr) {
             return qmz::kEngineOutOfMemory;
