@@ -21,6 +21,9 @@ struct Command {
 int RunList(const QStringList& args);
 int RunInfo(const QStringList& args);
 
+// "layout": the burn data tree that a folder on disk makes, with its sectors.
+int RunLayout(const QStringList& args);
+
 void PrintError(const QString& text);
 
 } // namespace cli

@@ -1,5 +1,6 @@
 #include "CliFrontEnd.h"
 
+#include "CEngineResultCodes.h"
 #include "CImageReader.h"
 
 #include <csignal>
@@ -9,6 +10,7 @@
 namespace {
 
 constexpr auto kProgressInterval = std::chrono::milliseconds(100);
+constexpr uint32_t kEngineTextChars = 400;
 
 volatile std::sig_atomic_t g_bInterrupted = 0;
 
@@ -19,6 +21,21 @@ void OnInterrupt(int) {
 QString Hex(qmz::Result hr) {
     return QStringLiteral("0x") +
            QString::number(static_cast<uint32_t>(hr), 16).toUpper().rightJustified(8, u'0');
+}
+
+// The family's own words for an engine code, on lines of their own; empty for other codes.
+QString EngineCodeText(qmz::Result hr) {
+    char16_t wszText[kEngineTextChars];
+    uint32_t nCount = 0;
+    if (!CEngineResultCodes::GetEngineCodeText(static_cast<uint32_t>(hr), kEngineTextChars, wszText,
+                                               &nCount)) {
+        return QString();
+    }
+    QString text = QString::fromUtf16(wszText, nCount);
+    while (text.endsWith(u'\n')) {
+        text.chop(1);
+    }
+    return u'\n' + text;
 }
 
 } // namespace
@@ -101,5 +118,9 @@ QString CliFrontEnd::DescribeOpenFailure(qmz::Result hr, const QString& imagePat
     } else {
         sentence = QStringLiteral("%1 could not be read.").arg(name);
     }
-    return sentence + QStringLiteral(" (code %1)").arg(Hex(hr));
+    return sentence + u' ' + DescribeCode(hr);
+}
+
+QString CliFrontEnd::DescribeCode(qmz::Result hr) {
+    return QStringLiteral("(code %1)").arg(Hex(hr)) + EngineCodeText(hr);
 }

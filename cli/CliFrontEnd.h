@@ -23,6 +23,8 @@ public:
 
     // A sentence that says what went wrong, for an image that failed to open.
     static QString DescribeOpenFailure(qmz::Result hr, const QString& imagePath, bool bHasEngine);
+    // "(code 0x...)", followed by the engine family's own text for a code of the family.
+    static QString DescribeCode(qmz::Result hr);
 
 private:
     static void PumpThunk(void* pContext);

@@ -12,6 +12,8 @@ namespace {
 const cli::Command kCommands[] = {
     {"list", "list IMAGE   list every folder and file of a disc image", cli::RunList},
     {"info", "info IMAGE   show the volume name, file system and totals", cli::RunInfo},
+    {"layout", "layout FOLDER [--dvd-first]   show how a folder would lie on a disc",
+     cli::RunLayout},
 };
 
 void PrintUsage(std::FILE* pOut) {

@@ -7,7 +7,7 @@ PACKAGES="
 cmake ninja-build ccache g++ clang libclang-rt-14-dev
 qt6-base-dev libsqlite3-dev zlib1g-dev
 libgtest-dev googletest
-xorriso genisoimage libarchive-tools p7zip-full
+xorriso genisoimage libarchive-tools p7zip-full dvdauthor ffmpeg
 hyperfine time util-linux
 "
 

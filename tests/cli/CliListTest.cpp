@@ -91,7 +91,8 @@ TEST(CliList, FailsWithASentenceAndAnExitCode) {
         {"unknown command", "frobnicate x", 2, "Usage:"},
         {"missing file", "list " + Quote(dir / "missing.iso"), 1, "does not exist"},
         {"not an image", "list " + Quote(dir / "not-an-image.iso"), 1,
-         "is not a disc image that Ovrin can read. (code 0xE0FF0004)"},
+         "is not a disc image that Ovrin can read. (code 0xE0FF0004)\n(1) The image file is "
+         "not a valid image (i.e. its format is not correct).\n"},
         {"a folder", "info " + Quote(dir.Path()), 1, "is not a file"},
     };
     for (const ExitCase& c : cases) {
