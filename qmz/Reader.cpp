@@ -136,6 +136,12 @@ Result Reader::Finish() {
     if (thread_.joinable()) {
         thread_.join();
     }
+    // A cancelled scan counts as stopped even when it ended before it saw the request: its
+    // caller has given up on it, and the answer must not depend on who won the race.
+    if (cancel_ && scanResult_ == kOk) {
+        scanResult_ = kStopped;
+        ready_.store(false, std::memory_order_release);
+    }
     return scanResult_;
 }
 
