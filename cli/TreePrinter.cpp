@@ -23,53 +23,51 @@ void AppendTwoDigits(char* p, int value) {
     p[1] = static_cast<char>('0' + value % 10);
 }
 
-void AppendCodePoint(std::string& out, char32_t cp) {
-    if (cp < 0x80) {
-        out += static_cast<char>(cp);
-    } else if (cp < 0x800) {
-        out += static_cast<char>(0xC0 | (cp >> 6));
-        out += static_cast<char>(0x80 | (cp & 0x3F));
+char* EncodeCodePoint(char* p, char32_t cp) {
+    if (cp < 0x800) {
+        *p++ = static_cast<char>(0xC0 | (cp >> 6));
     } else if (cp < 0x10000) {
-        out += static_cast<char>(0xE0 | (cp >> 12));
-        out += static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
-        out += static_cast<char>(0x80 | (cp & 0x3F));
+        *p++ = static_cast<char>(0xE0 | (cp >> 12));
+        *p++ = static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
     } else {
-        out += static_cast<char>(0xF0 | (cp >> 18));
-        out += static_cast<char>(0x80 | ((cp >> 12) & 0x3F));
-        out += static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
-        out += static_cast<char>(0x80 | (cp & 0x3F));
+        *p++ = static_cast<char>(0xF0 | (cp >> 18));
+        *p++ = static_cast<char>(0x80 | ((cp >> 12) & 0x3F));
+        *p++ = static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
     }
+    *p++ = static_cast<char>(0x80 | (cp & 0x3F));
+    return p;
 }
 
 } // namespace
 
 void TreePrinter::AppendUtf8(std::string& out, const char16_t* pText, size_t nChars) {
+    // Encoded into a buffer on the stack and appended once; names are short.
+    constexpr size_t kChunkChars = 256;
+    char buffer[kChunkChars * 3 + 4];
     size_t i = 0;
     while (i < nChars) {
-        // Runs of plain ASCII go in whole.
-        const size_t nRunStart = i;
-        while (i < nChars && pText[i] < 0x80 && pText[i] != u'\n') {
-            ++i;
+        char* p = buffer;
+        const size_t nEnd = std::min(nChars, i + kChunkChars);
+        for (; i < nEnd; ++i) {
+            char32_t cp = pText[i];
+            if (cp < 0x80 && cp != u'\n') {
+                *p++ = static_cast<char>(cp);
+                continue;
+            }
+            if (cp == u'\n') {
+                *p++ = '\\';
+                *p++ = 'n';
+                continue;
+            }
+            if (cp >= 0xD800 && cp <= 0xDBFF && i + 1 < nChars && pText[i + 1] >= 0xDC00 &&
+                pText[i + 1] <= 0xDFFF) {
+                cp = 0x10000 + ((cp - 0xD800) << 10) + (pText[++i] - 0xDC00);
+            } else if (cp >= 0xD800 && cp <= 0xDFFF) {
+                cp = 0xFFFD;
+            }
+            p = EncodeCodePoint(p, cp);
         }
-        if (i > nRunStart) {
-            const size_t nOld = out.size();
-            out.resize(nOld + (i - nRunStart));
-            std::copy(pText + nRunStart, pText + i, out.begin() + static_cast<ptrdiff_t>(nOld));
-        }
-        if (i == nChars) {
-            break;
-        }
-        char32_t cp = pText[i];
-        if (cp == u'\n') {
-            out += "\\n";
-        } else if (cp >= 0xD800 && cp <= 0xDBFF && i + 1 < nChars && pText[i + 1] >= 0xDC00 &&
-                   pText[i + 1] <= 0xDFFF) {
-            cp = 0x10000 + ((cp - 0xD800) << 10) + (pText[++i] - 0xDC00);
-            AppendCodePoint(out, cp);
-        } else {
-            AppendCodePoint(out, (cp >= 0xD800 && cp <= 0xDFFF) ? char32_t{0xFFFD} : cp);
-        }
-        ++i;
+        out.append(buffer, p);
     }
 }
 

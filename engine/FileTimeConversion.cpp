@@ -34,6 +34,14 @@ int64_t UtcOffsetAt(int64_t unixSeconds) {
     return slot.offset;
 }
 
+// Two rounds find the instant whose offset maps it onto the local time; in the hour that a
+// clock skips forward there is none, and the first guess stands.
+int64_t LocalSecondsToUtc(int64_t localSeconds) {
+    const int64_t guess = localSeconds - UtcOffsetAt(localSeconds);
+    const int64_t utc = localSeconds - UtcOffsetAt(guess);
+    return utc + UtcOffsetAt(utc) == localSeconds ? utc : guess;
+}
+
 } // namespace
 
 uint64_t LocalToUtc(uint64_t localTicks) {
@@ -43,13 +51,23 @@ uint64_t LocalToUtc(uint64_t localTicks) {
     const int64_t localSeconds =
         static_cast<int64_t>(localTicks / kTicksPerSecond) - kSecondsFrom1601To1970;
     const uint64_t fraction = localTicks % kTicksPerSecond;
-    // Two rounds find the instant whose offset maps it onto the local time; in the hour that a
-    // clock skips forward there is none, and the first guess stands.
-    const int64_t guess = localSeconds - UtcOffsetAt(localSeconds);
-    int64_t utc = localSeconds - UtcOffsetAt(guess);
-    if (utc + UtcOffsetAt(utc) != localSeconds) {
-        utc = guess;
+    // The entries of an image share few times: the last quarter hour's answer usually holds.
+    static thread_local int64_t lastBucket = INT64_MIN;
+    static thread_local int64_t lastOffset = 0;
+    const int64_t bucket = FloorDiv(localSeconds, kOffsetBucketSeconds);
+    if (bucket != lastBucket) {
+        const int64_t bucketStart = bucket * kOffsetBucketSeconds;
+        const int64_t startOffset = bucketStart - LocalSecondsToUtc(bucketStart);
+        const int64_t endOffset = bucketStart + kOffsetBucketSeconds - 1 -
+                                  LocalSecondsToUtc(bucketStart + kOffsetBucketSeconds - 1);
+        // A quarter hour that holds a transition is not remembered.
+        lastBucket = startOffset == endOffset ? bucket : INT64_MIN;
+        lastOffset = startOffset;
+        if (startOffset != endOffset) {
+            lastOffset = localSeconds - LocalSecondsToUtc(localSeconds);
+        }
     }
+    const int64_t utc = localSeconds - lastOffset;
     const int64_t ticksSeconds = utc + kSecondsFrom1601To1970;
     if (ticksSeconds < 0) {
         return 0;

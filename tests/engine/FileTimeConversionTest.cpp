@@ -25,6 +25,10 @@ TEST(FileTimeConversion, LocalTimesBecomeUtcWithTheRulesOfTheirDate) {
         {"winter", 1704114000, 1704114000 - 3600}, // 2024-01-01 13:00 local
         {"summer", 1719842400, 1719842400 - 7200}, // 2024-07-01 14:00 local
         {"epoch", 0, -3600},
+        {"before clocks go back", 1729989000, 1729989000 - 7200}, // 2024-10-27 00:30
+        {"the repeated hour takes the later instant", 1729996200, 1729996200 - 3600}, // 02:30
+        {"its next quarter hour", 1729997100, 1729997100 - 3600},
+        {"summer again, after the cache held winter", 1719842400, 1719842400 - 7200},
     };
     for (const ZoneCase& c : cases) {
         EXPECT_EQ(filetime::LocalToUtc(Ticks(c.localAsIfUtc)), Ticks(c.utc)) << c.name;
