@@ -90,6 +90,11 @@ void TreePrinter::AppendTime(std::string& out, uint64_t utcTicks) {
     out.append(text, p + 15);
 }
 
+TreePrinter::TreePrinter(std::FILE* pOut) : m_pOut(pOut) {
+    // One line at most beyond the flush mark: a path of a few thousand bytes.
+    m_buffer.reserve(kFlushBytes + kFlushBytes / 4);
+}
+
 bool TreePrinter::PrintList(const COvDataItem& root) {
     std::deque<std::pair<const COvDataItem*, std::string>> folders;
     folders.emplace_back(&root, std::string());

@@ -9,7 +9,7 @@ class COvDataItem;
 
 class TreePrinter {
 public:
-    explicit TreePrinter(std::FILE* pOut) : m_pOut(pOut) {}
+    explicit TreePrinter(std::FILE* pOut);
 
     // Breadth first, each folder's children in their sorted order:
     // "d|- SIZE YYYY-MM-DDTHH:MM:SSZ path/from/root". Returns false when writing failed.
