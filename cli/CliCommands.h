@@ -21,6 +21,9 @@ struct Command {
 int RunList(const QStringList& args);
 int RunInfo(const QStringList& args);
 
+// "reg": one setting, read or changed by hand.
+int RunReg(const QStringList& args);
+
 void PrintError(const QString& text);
 
 } // namespace cli
