@@ -104,6 +104,9 @@ bool TreePrinter::PrintList(const COvDataItem& root) {
             m_buffer += ' ';
             AppendTimeOf(*pChild);
             m_buffer += ' ';
+            if (m_bLong) {
+                AppendTypeOf(*pChild);
+            }
             const size_t nPathStart = m_buffer.size();
             m_buffer += prefix;
             AppendUtf8(m_buffer, reinterpret_cast<const char16_t*>(pChild->m_strName.utf16()),
@@ -131,6 +134,19 @@ void TreePrinter::AppendTimeOf(const COvDataItem& item) {
         m_lastSeconds = seconds;
     }
     m_buffer += m_lastTimeText;
+}
+
+void TreePrinter::AppendTypeOf(const COvDataItem& item) {
+    // Entries of one type share one text, so its UTF-8 form is made once per run of them.
+    const QString& type = item.m_strTypeName;
+    if (type.constData() != m_pLastType || m_lastTypeText.empty()) {
+        m_lastTypeText = "\"";
+        AppendUtf8(m_lastTypeText, reinterpret_cast<const char16_t*>(type.utf16()),
+                   static_cast<size_t>(type.size()));
+        m_lastTypeText += "\" ";
+        m_pLastType = type.constData();
+    }
+    m_buffer += m_lastTypeText;
 }
 
 bool TreePrinter::Flush() {
