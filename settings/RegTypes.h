@@ -16,7 +16,6 @@ inline constexpr uint32_t kRegDword = 4;
 enum class RegStatus : uint32_t {
     Ok = 0,
     NotFound, // the key or the value does not exist
-    MoreData, // the value is larger than the caller's buffer
     NoMoreItems,
     Failed, // the store could not be opened, read or written
 };
