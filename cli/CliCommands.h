@@ -23,6 +23,8 @@ int RunInfo(const QStringList& args);
 
 // "layout": the burn data tree that a folder on disk makes, with its sectors.
 int RunLayout(const QStringList& args);
+// "reg": one setting, read or changed by hand.
+int RunReg(const QStringList& args);
 
 void PrintError(const QString& text);
 

@@ -1,4 +1,5 @@
 // ovrin-cli list and info: the tree of an image as the viewer's reader builds it.
+#include "CFileTypeCache.h"
 #include "CImageReader.h"
 #include "COvDataItem.h"
 #include "CliCommands.h"
@@ -74,16 +75,22 @@ int OpenInto(CImageReader& reader, const QString& imageArg, const QString& image
 } // namespace
 
 int RunList(const QStringList& args) {
-    if (args.size() != 1) {
+    QStringList rest = args;
+    const bool bLong = rest.removeAll(QStringLiteral("--long")) > 0;
+    if (rest.size() != 1) {
         return kExitUsage;
     }
-    const QString imagePath = QFileInfo(args[0]).absoluteFilePath();
+    const QString imagePath = QFileInfo(rest[0]).absoluteFilePath();
+    // The type service costs a little on every entry, so only the long list pays for it.
+    if (bLong) {
+        CFileTypeCache::InstallForDataItems();
+    }
     CImageReader reader;
     COvDataItem root(QString(), COvDataItem::KindRoot, 0, 0);
-    if (const int exitCode = OpenInto(reader, args[0], imagePath, root); exitCode >= 0) {
+    if (const int exitCode = OpenInto(reader, rest[0], imagePath, root); exitCode >= 0) {
         return exitCode;
     }
-    TreePrinter printer(stdout);
+    TreePrinter printer(stdout, bLong);
     if (!printer.PrintList(root)) {
         PrintError(QStringLiteral("Writing the list failed."));
         return kExitFailure;

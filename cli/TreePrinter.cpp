@@ -90,7 +90,7 @@ void TreePrinter::AppendTime(std::string& out, uint64_t utcTicks) {
     out.append(text, p + 15);
 }
 
-TreePrinter::TreePrinter(std::FILE* pOut) : m_pOut(pOut) {
+TreePrinter::TreePrinter(std::FILE* pOut, bool bLong) : m_pOut(pOut), m_bLong(bLong) {
     // One line at most beyond the flush mark: a path of a few thousand bytes.
     m_buffer.reserve(kFlushBytes + kFlushBytes / 4);
 }
@@ -107,6 +107,9 @@ bool TreePrinter::PrintList(const COvDataItem& root) {
             m_buffer += ' ';
             AppendTimeOf(*pChild);
             m_buffer += ' ';
+            if (m_bLong) {
+                AppendTypeOf(*pChild);
+            }
             const size_t nPathStart = m_buffer.size();
             m_buffer += prefix;
             AppendUtf8(m_buffer, reinterpret_cast<const char16_t*>(pChild->m_strName.utf16()),
@@ -134,6 +137,19 @@ void TreePrinter::AppendTimeOf(const COvDataItem& item) {
         m_lastSeconds = seconds;
     }
     m_buffer += m_lastTimeText;
+}
+
+void TreePrinter::AppendTypeOf(const COvDataItem& item) {
+    // Entries of one type share one text, so its UTF-8 form is made once per run of them.
+    const QString& type = item.m_strTypeName;
+    if (type.constData() != m_pLastType || m_lastTypeText.empty()) {
+        m_lastTypeText = "\"";
+        AppendUtf8(m_lastTypeText, reinterpret_cast<const char16_t*>(type.utf16()),
+                   static_cast<size_t>(type.size()));
+        m_lastTypeText += "\" ";
+        m_pLastType = type.constData();
+    }
+    m_buffer += m_lastTypeText;
 }
 
 bool TreePrinter::Flush() {

@@ -9,10 +9,12 @@ class COvDataItem;
 
 class TreePrinter {
 public:
-    explicit TreePrinter(std::FILE* pOut);
+    // bLong adds each entry's type text, in double quotes, before its path.
+    explicit TreePrinter(std::FILE* pOut, bool bLong = false);
 
     // Breadth first, each folder's children in their sorted order:
-    // "d|- SIZE YYYY-MM-DDTHH:MM:SSZ path/from/root". Returns false when writing failed.
+    // "d|- SIZE YYYY-MM-DDTHH:MM:SSZ ["TYPE" ]path/from/root". Returns false when writing
+    // failed.
     bool PrintList(const COvDataItem& root);
 
     static void AppendUtf8(std::string& out, const char16_t* pText, size_t nChars);
@@ -20,10 +22,14 @@ public:
 
 private:
     void AppendTimeOf(const COvDataItem& item);
+    void AppendTypeOf(const COvDataItem& item);
     bool Flush();
 
     std::FILE* m_pOut;
+    bool m_bLong;
     std::string m_buffer;
     uint64_t m_lastSeconds = 0;
     std::string m_lastTimeText;
+    const void* m_pLastType = nullptr;
+    std::string m_lastTypeText;
 };

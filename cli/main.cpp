@@ -10,10 +10,12 @@
 namespace {
 
 const cli::Command kCommands[] = {
-    {"list", "list IMAGE   list every folder and file of a disc image", cli::RunList},
+    {"list", "list [--long] IMAGE   list every folder and file of a disc image, --long with types",
+     cli::RunList},
     {"info", "info IMAGE   show the volume name, file system and totals", cli::RunInfo},
     {"layout", "layout FOLDER [--dvd-first]   show how a folder would lie on a disc",
      cli::RunLayout},
+    {"reg", "reg get|set|delete|list HKCU|HKLM KEY [NAME [sz|dword|binary VALUE]]", cli::RunReg},
 };
 
 void PrintUsage(std::FILE* pOut) {

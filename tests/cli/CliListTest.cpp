@@ -119,4 +119,15 @@ TEST(CliList, DescribesTheBundledSample) {
     EXPECT_NE(list.find(" Music/日本語の歌詞.txt\n"), std::string::npos) << list;
 }
 
+TEST(CliList, TheLongListShowsEachEntrysType) {
+    int status = -1;
+    const std::string list =
+        CommandOutput(std::string(OVRIN_CLI) + " list --long " + OVRIN_SAMPLE, &status);
+    EXPECT_EQ(status, 0);
+    for (const char* line : {"\"folder\" Empty folder\n", "\"PNG image\" Pictures/gradient.png\n",
+                             "\"plain text document\" README.txt\n"}) {
+        EXPECT_NE(list.find(line), std::string::npos) << line << " in\n" << list;
+    }
+}
+
 } // namespace
