@@ -15,7 +15,6 @@ ExternalProject_Add(qmz_fuzzer_project
     BUILD_ALWAYS ON
     INSTALL_COMMAND ""
     BUILD_BYPRODUCTS ${OVRIN_FUZZ_BIN}/qmz_fuzzer)
-add_dependencies(qmz_fuzzer_project ovrin-sector-image)
 
 add_test(NAME qmz_fuzz_smoke
          COMMAND ${PROJECT_SOURCE_DIR}/fuzz/run-fuzz.sh ${OVRIN_FUZZ_BIN}/qmz_fuzzer 60
