@@ -1,6 +1,7 @@
 # Two commands set everything up on a fresh machine:
 #   make run   installs what is missing, builds, and lists the bundled sample image
 #   make test  installs what is missing, builds, and runs every test (plain and sanitized)
+#   make fuzz-long  fuzzes the engine for FUZZ_SECONDS (default half an hour)
 
 BUILD      ?= build
 BUILD_ASAN ?= build-asan
@@ -39,6 +40,12 @@ test-asan: deps $(BUILD_ASAN)/build.ninja
 	cd $(BUILD_ASAN) && ctest --output-on-failure -j $(JOBS) -LE slow
 
 test: test-plain test-asan
+
+# A long fuzzing run of the engine over the corpus that the short runs of `make test` grew.
+FUZZ_SECONDS ?= 1800
+fuzz-long: build
+	fuzz/run-fuzz.sh $(BUILD)/fuzz/qmz_fuzzer $(FUZZ_SECONDS) $(BUILD)/fuzz-work \
+		$(BUILD)/bin/ovrin-sector-image
 
 bench: build
 	bench/list-bench.sh $(BUILD)/bin/ovrin-cli

@@ -4,6 +4,8 @@
 
 #include "IsoVolume.h"
 #include "PlainSectorSource.h"
+#include "RawSectorSource.h"
+#include "SectorContainer.h"
 
 namespace qmz {
 
@@ -35,11 +37,30 @@ Result Drive::Open(const char* utf8Path) {
     if (r != kOk) {
         return r;
     }
-    sectors_.reset(new (std::nothrow) PlainSectorSource(file_));
-    if (sectors_ == nullptr) {
-        return kEngineOutOfMemory;
+    SectorLayout layouts[SectorContainer::kMaxLayouts];
+    uint32_t count = SectorContainer::Candidates(file_, layouts);
+    for (uint32_t i = 0; i < count; ++i) {
+        r = UseLayout(layouts[i]);
+        if (r != kOk) {
+            return r;
+        }
+        if (IsoVolume::Probe(*sectors_)) {
+            return kOk;
+        }
     }
-    return IsoVolume::Probe(*sectors_) ? kOk : kEngineBadImage;
+    sectors_.reset();
+    return kEngineBadImage;
+}
+
+Result Drive::UseLayout(const SectorLayout& layout) {
+    bool plain = layout.start == 0 && layout.stride == kSectorSize;
+    // Plain images keep the source that copies a file's bytes in one read.
+    if (plain) {
+        sectors_.reset(new (std::nothrow) PlainSectorSource(file_));
+    } else {
+        sectors_.reset(new (std::nothrow) RawSectorSource(file_, layout));
+    }
+    return sectors_ != nullptr ? kOk : kEngineOutOfMemory;
 }
 
 } // namespace qmz

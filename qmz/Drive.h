@@ -6,6 +6,7 @@
 #include "ComSupport.h"
 #include "IQmzDrive.h"
 #include "ImageFile.h"
+#include "RawSectorSource.h"
 #include "SectorSource.h"
 
 namespace qmz {
@@ -18,12 +19,14 @@ public:
     uint32_t AddRef() override { return refs_.Add(); }
     uint32_t Release() override;
 
-    // Opens the image and decides by its content whether it holds a volume the engine reads.
+    // Opens the image and decides by its content how it records its sectors and whether they
+    // hold a volume the engine reads.
     Result Open(const char* utf8Path);
     SectorSource& Sectors() { return *sectors_; }
 
 private:
     ~Drive() = default;
+    Result UseLayout(const SectorLayout& layout);
 
     RefCount refs_;
     ImageFile file_;

@@ -1,0 +1,41 @@
+#!/bin/sh
+# Runs the engine fuzzer for SECONDS over a corpus in WORK, seeded with small images that
+# xorriso and genisoimage make on the first run, and copies of them in the other sector
+# layouts. Prints the number of inputs run; fails when the fuzzer found a crash, a hang or an
+# out-of-memory (the input is then in WORK/artifacts).
+#   run-fuzz.sh FUZZER SECONDS WORK SECTOR_IMAGE_TOOL
+set -eu
+fuzzer=$1
+seconds=$2
+work=$3
+convert=$4
+
+seeds="$work/seeds"
+if [ ! -f "$seeds/.made" ]; then
+    rm -rf "$seeds" "$work/src"
+    mkdir -p "$seeds" "$work/src/a/b/c/d/e/f/g/h/i" "$work/src/empty"
+    printf 'hello\n' > "$work/src/a/hello.txt"
+    printf 'deep\n' > "$work/src/a/b/c/d/e/f/g/h/i/deep.txt"
+    printf 'x%.0s' $(seq 1 3000) > "$work/src/Long name with spaces and more than thirty-one.txt"
+    genisoimage -quiet -no-pad -input-charset utf-8 -R -J -o "$seeds/rr-joliet.iso" "$work/src"
+    genisoimage -quiet -no-pad -D -o "$seeds/plain.iso" "$work/src"
+    xorriso -no_rc -report_about SORRY -outdev "$seeds/relocated.iso" -padding 0 \
+        -compliance deep_paths_off -rockridge on -map "$work/src" / -commit
+    for kind in mode1 mode2form1 mode2 subchannel nero-daox nero-etnf; do
+        "$convert" "$kind" "$seeds/rr-joliet.iso" "$seeds/rr-joliet-$kind.img"
+    done
+    touch "$seeds/.made"
+fi
+mkdir -p "$work/corpus" "$work/artifacts"
+
+# -malloc_limit_mb: no single allocation that a megabyte of image could justify is this big.
+status=0
+"$fuzzer" "$work/corpus" "$seeds" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=1024 \
+    -malloc_limit_mb=256 -max_len=262144 -print_final_stats=1 \
+    -artifact_prefix="$work/artifacts/" >"$work/log" 2>&1 || status=$?
+grep -E '^(==[0-9]+==ERROR|SUMMARY|artifact_prefix|Test unit written|stat::number_of_executed_units|Done)' \
+    "$work/log" || true
+if [ "$status" -ne 0 ]; then
+    tail -n 60 "$work/log"
+fi
+exit "$status"
