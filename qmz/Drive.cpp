@@ -4,6 +4,7 @@
 
 #include "IsoVolume.h"
 #include "PlainSectorSource.h"
+#include "UdfVolume.h"
 
 namespace qmz {
 
@@ -39,7 +40,7 @@ Result Drive::Open(const char* utf8Path) {
     if (sectors_ == nullptr) {
         return kEngineOutOfMemory;
     }
-    return IsoVolume::Probe(*sectors_) ? kOk : kEngineBadImage;
+    return IsoVolume::Probe(*sectors_) || UdfVolume::Probe(*sectors_) ? kOk : kEngineBadImage;
 }
 
 } // namespace qmz
