@@ -123,8 +123,8 @@ Result UdfScanner::ScanFolder(VolumeIndex& index, uint32_t folder) {
             r = kEngineReadFailed;
         } else {
             // What could be read of a damaged folder is still listed.
-            damaged_ = damaged_ || icb.entry.InformationLength() > limit ||
-                       volume_.ReadData(icb.entry, icb.block, where, limit, &directory_) != kOk;
+            bool read = volume_.ReadData(icb.entry, icb.block, where, limit, &directory_) == kOk;
+            damaged_ = damaged_ || !read || icb.entry.InformationLength() > limit;
             r = ReadIdentifiers(index);
         }
     }
