@@ -117,7 +117,7 @@ std::vector<uint8_t> PatternBytes(size_t size, uint32_t seed) {
 }
 
 Tree SevenZipTree(const fs::path& image) {
-    std::istringstream in(CommandOutput("7z l -slt " + Quote(image)));
+    std::istringstream in(CommandOutput("TZ=UTC0 7z l -slt " + Quote(image)));
     Tree tree;
     std::string line;
     while (std::getline(in, line) && line != "----------") {
