@@ -1,13 +1,20 @@
 #!/usr/bin/env bash
 # Lists an image of 100,000 files in 1,000 folders with ovrin-cli and with peer tools that
 # read the same image, several runs each, and prints medians, ratios and peak memory.
-# Usage: bench/list-bench.sh [path/to/ovrin-cli]
+# Usage: bench/list-bench.sh [path/to/ovrin-cli] [iso|udf]
+# "udf" lists the same tree as a UDF bridge image made by genisoimage -udf, against 7-Zip (the
+# other peers read only its ISO 9660 side).
 set -euo pipefail
 
 here=$(cd "$(dirname "$0")" && pwd)
 cli=$(realpath "${1:-$here/../build/bin/ovrin-cli}")
 cache="$here/cache"
-image="$cache/files-100k.iso"
+kind=${2:-iso}
+case "$kind" in
+iso) image="$cache/files-100k.iso" ;;
+udf) image="$cache/files-100k-udf.iso" ;;
+*) echo "unknown image kind: $kind" >&2; exit 2 ;;
+esac
 runs=${RUNS:-15}
 
 make_image() {
@@ -21,7 +28,11 @@ make_image() {
             printf 'file %s of folder %s\n' "$f" "$d" >"$tree/folder-$d/file-$f.txt"
         done
     done
-    xorriso -as mkisofs -quiet -R -J -o "$image.tmp" "$tree" 2>/dev/null
+    if [ "$kind" = udf ]; then
+        genisoimage -quiet -udf -o "$image.tmp" "$tree" 2>/dev/null
+    else
+        xorriso -as mkisofs -quiet -R -J -o "$image.tmp" "$tree" 2>/dev/null
+    fi
     mv "$image.tmp" "$image"
     rm -rf "$tree"
 }
@@ -36,6 +47,9 @@ declare -A commands=(
     [isoinfo -f]="isoinfo -f -i $image"
 )
 order=("ovrin-cli list" "bsdtar -tf" "7z l" "isoinfo -f")
+if [ "$kind" = udf ]; then
+    order=("ovrin-cli list" "7z l")
+fi
 
 csv=$(mktemp)
 trap 'rm -f "$csv"' EXIT

@@ -22,6 +22,10 @@ const char* FileSystemName(uint32_t kind) {
         return "ISO 9660 with Joliet";
     case qmz::kFsRockRidge:
         return "ISO 9660 with Rock Ridge";
+    case qmz::kFsUdf:
+        return "UDF";
+    case qmz::kFsUdfBridge:
+        return "UDF, shown; ISO 9660 also present";
     default:
         return "unknown";
     }

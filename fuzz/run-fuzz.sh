@@ -21,6 +21,9 @@ if [ ! -f "$seeds/.made" ]; then
     genisoimage -quiet -no-pad -D -o "$seeds/plain.iso" "$work/src"
     xorriso -no_rc -report_about SORRY -outdev "$seeds/relocated.iso" -padding 0 \
         -compliance deep_paths_off -rockridge on -map "$work/src" / -commit
+    genisoimage -quiet -no-pad -input-charset utf-8 -udf -o "$seeds/udf-bridge.iso" "$work/src"
+    dd if=/dev/zero of="$seeds/udf-201.img" bs=2048 count=300 status=none
+    mkudffs --media-type=hd --udfrev=0x0201 -b 2048 "$seeds/udf-201.img" >/dev/null
     for kind in mode1 mode2form1 mode2 subchannel nero-daox nero-etnf; do
         "$convert" "$kind" "$seeds/rr-joliet.iso" "$seeds/rr-joliet-$kind.img"
     done
@@ -28,10 +31,11 @@ if [ ! -f "$seeds/.made" ]; then
 fi
 mkdir -p "$work/corpus" "$work/artifacts"
 
+# -max_len: a UDF volume needs its anchor at sector 256, so inputs reach past half a megabyte.
 # -malloc_limit_mb: no single allocation that a megabyte of image could justify is this big.
 status=0
 "$fuzzer" "$work/corpus" "$seeds" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=1024 \
-    -malloc_limit_mb=256 -max_len=262144 -print_final_stats=1 \
+    -malloc_limit_mb=256 -max_len=1048576 -print_final_stats=1 \
     -artifact_prefix="$work/artifacts/" >"$work/log" 2>&1 || status=$?
 grep -E '^(==[0-9]+==ERROR|SUMMARY|artifact_prefix|Test unit written|stat::number_of_executed_units|Done)' \
     "$work/log" || true

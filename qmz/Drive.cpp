@@ -6,6 +6,7 @@
 #include "PlainSectorSource.h"
 #include "RawSectorSource.h"
 #include "SectorContainer.h"
+#include "UdfVolume.h"
 
 namespace qmz {
 
@@ -44,7 +45,7 @@ Result Drive::Open(const char* utf8Path) {
         if (r != kOk) {
             return r;
         }
-        if (IsoVolume::Probe(*sectors_)) {
+        if (IsoVolume::Probe(*sectors_) || UdfVolume::Probe(*sectors_)) {
             return kOk;
         }
     }

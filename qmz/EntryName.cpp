@@ -10,6 +10,10 @@ constexpr char32_t kReplacement = 0xFFFD;
 constexpr char16_t kFullwidthBackslash = 0xFF3C;
 constexpr char16_t kFullwidthSlash = 0xFF0F;
 constexpr char16_t kFullwidthFullStop = 0xFF0E;
+constexpr uint8_t kOsta8Bit = 8;
+constexpr uint8_t kOsta16Bit = 16;
+constexpr uint8_t kOsta8BitAlternative = 254;
+constexpr uint8_t kOsta16BitAlternative = 255;
 
 bool IsHighSurrogate(uint32_t u) {
     return u >= 0xD800 && u <= 0xDBFF;
@@ -188,6 +192,17 @@ void EntryName::StripFileVersion() {
     }
     if (length_ > 1 && units_[length_ - 1] == u'.' && !onlyDots) {
         --length_;
+    }
+}
+
+void EntryName::AppendOstaCompressed(const uint8_t* bytes, size_t count) {
+    if (count == 0) {
+        return;
+    }
+    if (bytes[0] == kOsta8Bit || bytes[0] == kOsta8BitAlternative) {
+        AppendLatin1(bytes + 1, count - 1);
+    } else if (bytes[0] == kOsta16Bit || bytes[0] == kOsta16BitAlternative) {
+        AppendUtf16Be(bytes + 1, count - 1);
     }
 }
 

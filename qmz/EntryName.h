@@ -24,6 +24,9 @@ public:
     // Joliet names are UCS-2 big-endian; surrogate pairs are taken as UTF-16 and lone
     // surrogates become U+FFFD. An odd last byte is dropped.
     void AppendUtf16Be(const uint8_t* bytes, size_t count);
+    // OSTA UDF 2.60 2.1.1 compressed Unicode: a compression id, then 8-bit units (Latin-1) or
+    // 16-bit big-endian units. 2.50 and later also record 254 and 255 for the same two forms.
+    void AppendOstaCompressed(const uint8_t* bytes, size_t count);
     // Removes the ECMA-119 version ";digits" and then a trailing '.' left by an empty extension.
     void StripFileVersion();
     // Makes the name usable as a path component: no '\', '/' or NUL, never empty, "." or "..".

@@ -35,16 +35,22 @@ int Digits(const uint8_t* p, int count) {
 
 } // namespace
 
-bool IsoDate::Combine(int64_t year, int month, int day, int hour, int minute, int second,
-                      int8_t gmtOffset, int64_t* utcSeconds) {
+bool IsoDate::CivilToUtc(int64_t year, int month, int day, int hour, int minute, int second,
+                         int64_t offsetSeconds, int64_t* utcSeconds) {
     if (month < 1 || month > 12 || day < 1 || day > 31 || hour > 23 || minute > 59 || second > 59 ||
         hour < 0 || minute < 0 || second < 0) {
         return false;
     }
-    int offset = gmtOffset >= kMinGmtOffset && gmtOffset <= kMaxGmtOffset ? gmtOffset : 0;
     *utcSeconds = DaysFromCivil(year, month, day) * 86400 + hour * 3600 + minute * 60 + second -
-                  int64_t{offset} * 15 * 60;
+                  offsetSeconds;
     return true;
+}
+
+bool IsoDate::Combine(int64_t year, int month, int day, int hour, int minute, int second,
+                      int8_t gmtOffset, int64_t* utcSeconds) {
+    int offset = gmtOffset >= kMinGmtOffset && gmtOffset <= kMaxGmtOffset ? gmtOffset : 0;
+    return CivilToUtc(year, month, day, hour, minute, second, int64_t{offset} * 15 * 60,
+                      utcSeconds);
 }
 
 bool IsoDate::DecodeShort(const uint8_t* p, int64_t* utcSeconds) {

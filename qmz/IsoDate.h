@@ -17,6 +17,10 @@ public:
     static bool DecodeLong(const uint8_t* p, int64_t* utcSeconds);
     // The offset of the process's local time from UTC in force at that instant, in seconds.
     static int64_t LocalOffset(int64_t utcSeconds);
+    // A civil date and time `offsetSeconds` ahead of UTC as seconds since 1970 UTC, or false
+    // for fields out of range. UDF time stamps use it too.
+    static bool CivilToUtc(int64_t year, int month, int day, int hour, int minute, int second,
+                           int64_t offsetSeconds, int64_t* utcSeconds);
     // Seconds since 1970 as a FILETIME; an instant before 1601 gives 0.
     static FileTime ToFileTime(int64_t seconds);
 

@@ -12,18 +12,17 @@
 #include "RockRidgeParser.h"
 #include "SectorSource.h"
 #include "VolumeIndex.h"
+#include "VolumeScanner.h"
 
 namespace qmz {
 
-class IsoScanner {
+class IsoScanner final : public VolumeScanner {
 public:
     IsoScanner(SectorSource& source, const IsoTree& tree, const std::atomic<bool>& cancel);
 
-    // Fills `index`. kOk also for a damaged image that gave a partial tree; kStopped when
-    // cancelled; kEngineDiscCorrupt when not even the root folder can be read.
-    Result Run(VolumeIndex& index);
-    // Folders walked against folders known (from the path table or found so far), below 1.
-    float Progress() const;
+    Result Run(VolumeIndex& index) override;
+    // Folders known come from the path table, or from the walk where that holds more.
+    float Progress() const override;
     // Parts of the image were unreadable or inconsistent and left out of the tree.
     bool Damaged() const { return damaged_; }
 

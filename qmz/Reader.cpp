@@ -4,6 +4,8 @@
 #include <cstring>
 
 #include "Drive.h"
+#include "IsoScanner.h"
+#include "UdfScanner.h"
 
 namespace qmz {
 
@@ -61,30 +63,50 @@ Result Reader::Attach(IQmzDrive* pDrive) {
     return kOk;
 }
 
+Result Reader::LoadUdf() {
+    auto udf = std::make_unique<UdfVolume>(drive_->Sectors());
+    Result r = udf->Open();
+    if (r == kOk) {
+        // A bridge disc's ISO 9660 tree often holds little or nothing; its UDF tree is whole.
+        fileSystem_ = IsoVolume::Probe(drive_->Sectors()) ? kFsUdfBridge : kFsUdf;
+        std::memcpy(volumeId_, udf->VolumeId(), sizeof(volumeId_));
+        udf_ = std::move(udf);
+    }
+    return r;
+}
+
+Result Reader::LoadIso() {
+    auto tree = std::make_unique<IsoTree>();
+    Result r = IsoVolume::Open(drive_->Sectors(), tree.get());
+    if (r == kOk) {
+        fileSystem_ = static_cast<uint32_t>(tree->kind);
+        std::memcpy(volumeId_, tree->volumeId, sizeof(volumeId_));
+        tree_ = std::move(tree);
+    }
+    return r;
+}
+
 Result Reader::Load() {
-    if (drive_ == nullptr || tree_ != nullptr) {
+    if (drive_ == nullptr || tree_ != nullptr || udf_ != nullptr) {
         return kUnexpected;
     }
-    return ComSupport::Guarded([&] {
-        auto tree = std::make_unique<IsoTree>();
-        Result r = IsoVolume::Open(drive_->Sectors(), tree.get());
-        if (r == kOk) {
-            tree_ = std::move(tree);
-        }
-        return r;
-    });
+    return ComSupport::Guarded([&] { return LoadUdf() == kOk ? kOk : LoadIso(); });
 }
 
 Result Reader::Start(uint32_t operation, uint32_t, uint32_t) {
     if (operation != kScanOperation) {
         return kEngineBadParameter;
     }
-    if (tree_ == nullptr || index_ != nullptr) {
+    if ((tree_ == nullptr && udf_ == nullptr) || index_ != nullptr) {
         return kUnexpected;
     }
     Result r = ComSupport::Guarded([&] {
         index_ = std::make_unique<VolumeIndex>();
-        scanner_ = std::make_unique<IsoScanner>(drive_->Sectors(), *tree_, cancel_);
+        if (udf_ != nullptr) {
+            scanner_ = std::make_unique<UdfScanner>(*udf_, cancel_);
+        } else {
+            scanner_ = std::make_unique<IsoScanner>(drive_->Sectors(), *tree_, cancel_);
+        }
         browser_ = std::make_unique<VolumeBrowser>(*index_, drive_->Sectors());
         cancel_ = false;
         scanEnded_ = false;
@@ -159,6 +181,8 @@ Result Reader::Unload() {
     scanner_.reset();
     index_.reset();
     tree_.reset();
+    udf_.reset();
+    fileSystem_ = kFsUnknown;
     return kOk;
 }
 
@@ -180,11 +204,11 @@ Result Reader::GetFsInfo(fsInfo* pInfo) {
         return kEngineBadParameter;
     }
     std::memset(pInfo, 0, sizeof(*pInfo));
-    // The first field tells which tree was read: 1 ISO 9660, 2 Joliet, 3 Rock Ridge.
-    pInfo->uFileSystem = static_cast<uint32_t>(tree_->kind);
+    // The first field tells which tree was read: a FileSystemKind.
+    pInfo->uFileSystem = fileSystem_;
     pInfo->uCount1 = index_->FolderCount();
     pInfo->uCount2 = index_->FileCount();
-    std::memcpy(pInfo->strVolID, tree_->volumeId, sizeof(pInfo->strVolID));
+    std::memcpy(pInfo->strVolID, volumeId_, sizeof(pInfo->strVolID));
     return kOk;
 }
 

@@ -1,5 +1,6 @@
-// A reader of one drive: reads its volume descriptors on Load, scans the whole volume into a
-// VolumeIndex on a background thread, then serves the file-system operations from the index.
+// A reader of one drive: reads its volume descriptors on Load (UDF where the image has it, else
+// ISO 9660), scans the whole volume into a VolumeIndex on a background thread, then serves the
+// file-system operations from the index.
 #pragma once
 
 #include <atomic>
@@ -11,10 +12,11 @@
 #include "ComSupport.h"
 #include "IQmzFileSystem.h"
 #include "IQmzReader.h"
-#include "IsoScanner.h"
 #include "IsoVolume.h"
+#include "UdfVolume.h"
 #include "VolumeBrowser.h"
 #include "VolumeIndex.h"
+#include "VolumeScanner.h"
 
 namespace qmz {
 
@@ -48,6 +50,8 @@ public:
 private:
     ~Reader();
 
+    Result LoadUdf();
+    Result LoadIso();
     void RunScan();
     // Asks a running scan to stop and waits for its thread.
     void StopScan();
@@ -55,9 +59,13 @@ private:
 
     RefCount refs_;
     Drive* drive_ = nullptr;
+    // One of the two, from Load to Unload.
     std::unique_ptr<IsoTree> tree_;
+    std::unique_ptr<UdfVolume> udf_;
+    uint32_t fileSystem_ = kFsUnknown;
+    char16_t volumeId_[kVolIdChars] = {};
     std::unique_ptr<VolumeIndex> index_;
-    std::unique_ptr<IsoScanner> scanner_;
+    std::unique_ptr<VolumeScanner> scanner_;
     std::unique_ptr<VolumeBrowser> browser_;
 
     std::thread thread_;

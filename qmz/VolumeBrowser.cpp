@@ -113,7 +113,10 @@ Result VolumeBrowser::ReadFile(void* buffer, uint32_t length, uint32_t* read) {
         }
         uint64_t n =
             std::min<uint64_t>({length - done, extent.length - extentOffset_, e.size - position_});
-        if (source_.CopyBytes(extent.lba, extentOffset_, out + done, n) != kOk) {
+        if (extent.zeros) {
+            std::memset(out + done, 0, n);
+        } else if (source_.CopyBytes(extent.lba, extent.offset + extentOffset_, out + done, n) !=
+                   kOk) {
             return kEngineReadFailed;
         }
         done += static_cast<uint32_t>(n);

@@ -19,6 +19,11 @@ inline constexpr uint32_t kMaxNameUnits = 281;
 struct Extent {
     uint64_t lba;
     uint64_t length; // bytes
+    // Bytes before the data in sector `lba`: a UDF file's data embedded in its ICB.
+    uint32_t offset = 0;
+    // Nothing recorded: the bytes read as zeros (a UDF extent allocated but not written, or a
+    // hole in a sparse file).
+    bool zeros = false;
 };
 
 enum EntryFlags : uint16_t {
@@ -33,7 +38,7 @@ struct IndexEntry {
     uint32_t nameOffset;
     uint16_t nameLength;
     uint16_t flags;
-    uint32_t firstExtent; // a folder has one: its directory data
+    uint32_t firstExtent; // a folder has one, which only its scanner reads
     uint32_t extentCount;
     uint32_t firstChild;
     uint32_t childCount;
@@ -56,6 +61,7 @@ public:
     uint32_t AppendName(const char16_t* units, uint32_t length);
     uint32_t AppendExtent(const Extent& extent);
     size_t NameUnits() const { return names_.size(); }
+    size_t ExtentCount() const { return extents_.size(); }
     void AddPending(const IndexEntry& entry) { entries_.push_back(entry); }
     IndexEntry& LastPending() { return entries_.back(); }
     // Sorts the pending entries by name, renames later duplicates "name (2)", "name (3)" so

@@ -7,7 +7,7 @@ PACKAGES="
 cmake ninja-build ccache g++ clang libclang-rt-14-dev
 qt6-base-dev libsqlite3-dev zlib1g-dev
 libgtest-dev googletest
-xorriso genisoimage libarchive-tools p7zip-full dvdauthor ffmpeg
+xorriso genisoimage libarchive-tools p7zip-full dvdauthor ffmpeg udftools
 hyperfine time util-linux
 "
 

@@ -90,6 +90,9 @@ enum FileSystemKind : uint32_t {
     kFsIso9660 = 1,
     kFsJoliet = 2,
     kFsRockRidge = 3,
+    kFsUdf = 4,
+    // The UDF tree, of an image that holds an ISO 9660 tree too (a UDF bridge disc).
+    kFsUdfBridge = 5,
 };
 
 // The volume description filled by IQmzFileSystem::GetFsInfo.

@@ -1,5 +1,5 @@
-// ovrin-cli against bsdtar: what it lists of images made by xorriso and genisoimage, and of
-// trees it has never seen, must match libarchive's reading of the same image.
+// ovrin-cli against bsdtar, and against 7-Zip for UDF: what it lists of images made by xorriso
+// and genisoimage, and of trees it has never seen, must match the peers' reading of them.
 #include "TestFiles.h"
 
 #include <gtest/gtest.h>
@@ -74,6 +74,11 @@ TEST(CliList, ListsWhatBsdtarListsOfImagesOldAndNew) {
         EXPECT_EQ(OvrinTree(image), expected) << recipe.name;
         fs::remove(image);
     }
+    // bsdtar reads only the ISO 9660 side of a UDF bridge image; 7-Zip reads its UDF tree.
+    const fs::path image = dir / "udf.iso";
+    ASSERT_TRUE(
+        RunCommand("genisoimage -quiet -input-charset utf-8 -udf -o " + Quote(image) + " " + src));
+    EXPECT_EQ(OvrinTree(image), SevenZipTree(image)) << "UDF bridge";
 }
 
 struct ExitCase {

@@ -3,9 +3,12 @@
 #include <array>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
+#include <ctime>
 #include <fcntl.h>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <optional>
 #include <sstream>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -111,6 +114,38 @@ std::vector<uint8_t> PatternBytes(size_t size, uint32_t seed) {
         b = static_cast<uint8_t>(x);
     }
     return bytes;
+}
+
+Tree SevenZipTree(const fs::path& image) {
+    std::istringstream in(CommandOutput("TZ=UTC0 7z l -slt " + Quote(image)));
+    Tree tree;
+    std::string line;
+    while (std::getline(in, line) && line != "----------") {
+    }
+    std::string path;
+    Node node;
+    auto value = [&line](const char* key) {
+        size_t n = std::strlen(key);
+        return line.compare(0, n, key) == 0 ? std::optional(line.substr(n)) : std::nullopt;
+    };
+    while (std::getline(in, line)) {
+        if (auto v = value("Path = ")) {
+            path = *v;
+            node = Node();
+        } else if (auto folder = value("Folder = ")) {
+            node.directory = *folder == "+";
+        } else if (auto size = value("Size = ")) {
+            node.size = size->empty() ? 0 : std::stoull(*size);
+        } else if (auto time = value("Modified = ")) {
+            tm parts{};
+            strptime(time->c_str(), "%Y-%m-%d %H:%M:%S", &parts);
+            node.mtime = timegm(&parts);
+        } else if (line.empty() && !path.empty()) {
+            tree[path] = node;
+            path.clear();
+        }
+    }
+    return tree;
 }
 
 Tree BsdtarTree(const fs::path& image, std::map<std::string, std::string>* rawPaths) {

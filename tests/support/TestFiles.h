@@ -47,6 +47,8 @@ using Tree = std::map<std::string, Node>;
 // bsdtar's listing of an image, with names mapped as our engine maps them ('\' becomes
 // U+FF3C). `rawPaths` gives bsdtar's own path for each mapped path.
 Tree BsdtarTree(const fs::path& image, std::map<std::string, std::string>* rawPaths = nullptr);
+// 7-Zip's listing of an image (`7z l -slt`), for UDF, which bsdtar does not read.
+Tree SevenZipTree(const fs::path& image);
 // A folder on disk as a tree.
 Tree DiskTree(const fs::path& root);
 
