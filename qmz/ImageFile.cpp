@@ -42,6 +42,15 @@ Result ImageFile::Open(const char* path, bool allowMapping) {
     return kOk;
 }
 
+const uint8_t* ImageFile::View(uint64_t offset, size_t length) const {
+    constexpr uint64_t kDropAfterBytes = uint64_t{32} << 20;
+    if (viewedBytes_.fetch_add(length, std::memory_order_relaxed) + length >= kDropAfterBytes) {
+        viewedBytes_.store(0, std::memory_order_relaxed);
+        madvise(const_cast<uint8_t*>(mapping_), size_, MADV_DONTNEED);
+    }
+    return mapping_ + offset;
+}
+
 Result ImageFile::Read(uint64_t offset, void* dst, size_t length) const {
     if (!Contains(offset, length)) {
         return kEngineReadFailed;

@@ -8,7 +8,7 @@ Result PlainSectorSource::ViewSector(uint64_t lba, SectorBuffer& scratch, const 
     }
     uint64_t offset = lba * kSectorSize;
     if (file_.Mapping() != nullptr) {
-        *data = file_.Mapping() + offset;
+        *data = file_.View(offset, kSectorSize);
         return kOk;
     }
     Result r = file_.Read(offset, scratch.bytes, kSectorSize);

@@ -9,7 +9,7 @@ Result RawSectorSource::ViewSector(uint64_t lba, SectorBuffer& scratch, const ui
         return kEngineReadFailed;
     }
     if (file_.Mapping() != nullptr) {
-        *data = file_.Mapping() + DataOffset(lba);
+        *data = file_.View(DataOffset(lba), kSectorSize);
         return kOk;
     }
     Result r = file_.Read(DataOffset(lba), scratch.bytes, kSectorSize);
