@@ -12,15 +12,23 @@ COvDataItem::FileTypeLookup g_pfnFileTypeLookup = nullptr;
 
 #if defined(__SANITIZE_ADDRESS__)
 // AddressSanitizer must see every node on its own to find its misuse.
-void* AllocateNode(size_t size) noexcept { return std::malloc(size); }
-void FreeNode(void* p) noexcept { std::free(p); }
+void* AllocateNode(size_t size) noexcept {
+    return std::malloc(size);
+}
+void FreeNode(void* p) noexcept {
+    std::free(p);
+}
 #else
 FixedBlockPool& NodePool() {
     static FixedBlockPool pool(sizeof(COvDataItem));
     return pool;
 }
-void* AllocateNode(size_t) noexcept { return NodePool().Allocate(); }
-void FreeNode(void* p) noexcept { NodePool().Free(p); }
+void* AllocateNode(size_t) noexcept {
+    return NodePool().Allocate();
+}
+void FreeNode(void* p) noexcept {
+    NodePool().Free(p);
+}
 #endif
 
 // Case-insensitive order of QString::compare, with a fast path for ASCII, which most names
@@ -66,7 +74,9 @@ void* COvDataItem::operator new(size_t size, const std::nothrow_t&) noexcept {
     return AllocateNode(size);
 }
 
-void COvDataItem::operator delete(void* p) noexcept { FreeNode(p); }
+void COvDataItem::operator delete(void* p) noexcept {
+    FreeNode(p);
+}
 
 COvDataItem::COvDataItem(const QString& text, uint32_t kind, uint32_t sizeLow, uint32_t sizeHigh)
     : m_uKind(kind), m_ullSize(JoinSize(sizeLow, sizeHigh)) {

@@ -8,7 +8,9 @@ namespace {
 
 constexpr size_t kBlockAlignment = alignof(std::max_align_t);
 
-size_t RoundUp(size_t value, size_t unit) { return (value + unit - 1) / unit * unit; }
+size_t RoundUp(size_t value, size_t unit) {
+    return (value + unit - 1) / unit * unit;
+}
 
 // A slab aligned to its own size, so that the kernel can back it with one huge page.
 void* MapAlignedSlab() {
@@ -35,7 +37,9 @@ FixedBlockPool::FixedBlockPool(size_t blockSize)
     : m_nBlockSize(RoundUp(blockSize < sizeof(FreeBlock) ? sizeof(FreeBlock) : blockSize,
                            kBlockAlignment)) {}
 
-FixedBlockPool::~FixedBlockPool() { ReleaseSlabs(); }
+FixedBlockPool::~FixedBlockPool() {
+    ReleaseSlabs();
+}
 
 void* FixedBlockPool::Allocate() noexcept {
     void* pBlock = nullptr;
