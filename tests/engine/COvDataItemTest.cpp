@@ -94,29 +94,4 @@ TEST(COvDataItem, DestroysADeepChainWithoutRecursion) {
     SUCCEED();
 }
 
-bool FakeTypeLookup(const QString& path, bool isFolder, FileTypeRecord& record) {
-    if (path.endsWith(QStringLiteral(".none"))) {
-        return false;
-    }
-    record.nIcon = isFolder ? 3 : 5;
-    record.nOpenIcon = isFolder ? 4 : 5;
-    record.strTypeName = isFolder ? QStringLiteral("Folder") : QStringLiteral("Text");
-    return true;
-}
-
-TEST(COvDataItem, TakesTypeAndIconsFromTheTypeServiceWhenOneIsInstalled) {
-    COvDataItem root(QString(), COvDataItem::KindRoot, 0, 0);
-    COvDataItem::SetFileTypeLookup(FakeTypeLookup);
-    COvDataItem* folder = Add(root, QStringLiteral("\\dir"), COvDataItem::KindFolder);
-    COvDataItem* file = Add(root, QStringLiteral("\\a.txt"), COvDataItem::KindFile);
-    COvDataItem* unknown = Add(root, QStringLiteral("\\b.none"), COvDataItem::KindFile);
-    COvDataItem::SetFileTypeLookup(nullptr);
-    EXPECT_EQ(folder->m_nIcon, 3);
-    EXPECT_EQ(folder->m_nOpenIcon, 4);
-    EXPECT_EQ(file->m_strTypeName, QStringLiteral("Text"));
-    EXPECT_EQ(unknown->m_nIcon, 0);
-    EXPECT_TRUE(unknown->m_strTypeName.isEmpty());
-    EXPECT_TRUE(root.m_strTypeName.isEmpty());
-}
-
 } // namespace

@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 #include <ctime>
+#include <vector>
 
 namespace {
 
@@ -38,17 +39,12 @@ TEST(FileTimeConversion, LocalTimesBecomeUtcWithTheRulesOfTheirDate) {
 }
 
 TEST(FileTimeConversion, BreaksTicksIntoCalendarFields) {
-    const filetime::CivilTime t = filetime::ToCivil(Ticks(951782400 + 3661)); // 2000-02-29
-    EXPECT_EQ(t.year, 2000);
-    EXPECT_EQ(t.month, 2);
-    EXPECT_EQ(t.day, 29);
-    EXPECT_EQ(t.hour, 1);
-    EXPECT_EQ(t.minute, 1);
-    EXPECT_EQ(t.second, 1);
-    const filetime::CivilTime origin = filetime::ToCivil(0);
-    EXPECT_EQ(origin.year, 1601);
-    EXPECT_EQ(origin.month, 1);
-    EXPECT_EQ(origin.day, 1);
+    const auto fields = [](uint64_t ticks) {
+        const filetime::CivilTime t = filetime::ToCivil(ticks);
+        return std::vector<int64_t>{t.year, t.month, t.day, t.hour, t.minute, t.second};
+    };
+    EXPECT_EQ(fields(Ticks(951782400 + 3661)), (std::vector<int64_t>{2000, 2, 29, 1, 1, 1}));
+    EXPECT_EQ(fields(0), (std::vector<int64_t>{1601, 1, 1, 0, 0, 0}));
 }
 
 } // namespace

@@ -79,11 +79,6 @@ TEST_F(Locations, TheFirstUseOfAFolderSettingStoresDocuments) {
     EXPECT_EQ(GetImageFolder(&m_registry), documents);
     EXPECT_EQ(Stored(u"ImagePath"_s), documents);
     EXPECT_TRUE(QFileInfo(documents).isDir());
-
-    SetExtractFolder(u"/media/disc/out"_s, &m_registry);
-    EXPECT_EQ(GetExtractFolder(&m_registry), u"/media/disc/out"_s);
-    SetImageFolder(u"/srv/images"_s, &m_registry);
-    EXPECT_EQ(GetImageFolder(&m_registry), u"/srv/images"_s);
 }
 
 TEST_F(Locations, MakeFolderPathMakesParentsAndFailsOnAFolderThatStands) {
