@@ -78,7 +78,6 @@ constexpr const char* kSmallVolume = "volume   SPACED NAME  \n"
 
 TEST_F(ImageReaderTest, WalksTheVolumeIntoASortedTreeWithSummedSizes) {
     CImageReader reader(QStringLiteral(FAKEQMZ_PATH));
-    const std::string mark = CallLog();
     ASSERT_EQ(reader.OpenImage(Listing(kSmallVolume), &m_root), qmz::kOk);
 
     EXPECT_EQ(m_root.m_strName, QStringLiteral("SPACED NAME"));

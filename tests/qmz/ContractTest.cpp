@@ -155,20 +155,11 @@ TEST_F(ContractTest, ClassObjectAndInterfaces) {
 }
 
 TEST(ModuleTest, ExportsOnlyTheTwoEntryPoints) {
+    // RTLD_NOW: a symbol that the module needs and nothing provides fails here.
     void* module = dlopen(QMZ_MODULE_PATH, RTLD_NOW | RTLD_LOCAL);
     ASSERT_NE(module, nullptr) << dlerror();
-    auto getClassObject =
-        reinterpret_cast<PfnDllGetClassObject>(dlsym(module, kExportGetClassObject));
-    auto canUnload = reinterpret_cast<PfnDllCanUnloadNow>(dlsym(module, kExportCanUnloadNow));
-    ASSERT_NE(getClassObject, nullptr);
-    ASSERT_NE(canUnload, nullptr);
-    IClassFactory* factory = nullptr;
-    ASSERT_EQ(
-        getClassObject(&kClsidQmzEngine, &kIidClassFactory, reinterpret_cast<void**>(&factory)),
-        kOk);
-    EXPECT_EQ(canUnload(), kFalse);
-    factory->Release();
-    EXPECT_EQ(canUnload(), kOk);
+    EXPECT_NE(dlsym(module, kExportGetClassObject), nullptr);
+    EXPECT_NE(dlsym(module, kExportCanUnloadNow), nullptr);
     dlclose(module);
 
     TempDir dir;
