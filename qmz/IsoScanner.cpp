@@ -213,6 +213,10 @@ void IsoScanner::AddRecord(VolumeIndex& index, const DirectoryRecord& record, bo
             entry.firstExtent = index.AppendExtent(FolderExtent(record));
             entry.extentCount = 1;
         }
+        if (rockRidge_ && attributes_.zisofs) {
+            entry.size = attributes_.zisofsSize;
+            entry.flags |= kEntryZisofs;
+        }
         multi_.open = (record.Flags() & kRecordMultiExtent) != 0;
         if (multi_.open) {
             multi_.idLength = record.IdentifierLength();
@@ -240,7 +244,9 @@ bool IsoScanner::ContinueMultiExtent(VolumeIndex& index, const DirectoryRecord& 
             file.firstExtent = extent;
         }
         ++file.extentCount;
-        file.size += record.DataLength();
+        if ((file.flags & kEntryZisofs) == 0) { // ZF's size already counts every extent
+            file.size += record.DataLength();
+        }
     }
     multi_.open = (record.Flags() & kRecordMultiExtent) != 0;
     return true;
