@@ -259,10 +259,14 @@ void IsoScanner::BuildName(const DirectoryRecord& record, bool isDirectory) {
     } else {
         if (tree_.kind == TreeKind::kJoliet) {
             name_.AppendUtf16Be(record.Identifier(), record.IdentifierLength());
+        } else if (tree_.kind == TreeKind::kIso9660_1999) {
+            // ISO 9660:1999 names are any bytes, in practice the writer's UTF-8, and carry no
+            // version: a ";1" or a trailing '.' is part of the name.
+            name_.AppendUtf8OrLatin1(record.Identifier(), record.IdentifierLength());
         } else {
             name_.AppendLatin1(record.Identifier(), record.IdentifierLength());
         }
-        if (!isDirectory) {
+        if (!isDirectory && tree_.kind != TreeKind::kIso9660_1999) {
             name_.StripFileVersion();
         }
     }

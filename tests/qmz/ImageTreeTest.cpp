@@ -48,7 +48,9 @@ struct Recipe {
     uint32_t treeKind;
     bool rockRidgeNames;
     bool sameAsSource; // the engine's tree must equal the source folder too
-    bool bsdtarReads;  // bsdtar refuses xorriso's relocation into the root
+    // bsdtar refuses xorriso's relocation into the root, and shows the primary tree where
+    // xorriso records the ISO 9660:1999 tree apart from it.
+    bool bsdtarReads;
 };
 
 const Recipe kRecipes[] = {
@@ -74,6 +76,9 @@ const Recipe kRecipes[] = {
      "xorriso -no_rc -report_about SORRY -outdev $ISO -rockridge on -zisofs block_size=128k "
      "-map $SRC / -set_filter_r --zisofs / -- -commit",
      3, true, true, true},
+    {"GenIsoLevel4", "genisoimage -quiet -iso-level 4 -o $ISO $SRC", 6, false, false, true},
+    {"XorrisoIsoLevel4", "xorriso -as mkisofs -quiet -iso-level 4 --norock -o $ISO $SRC", 6, false,
+     true, false},
     {"XorrisoJolietUtf16",
      "xorriso -no_rc -report_about SORRY -outdev $ISO -rockridge off -joliet on "
      "-compliance joliet_utf16:joliet_long_names -map $SRC / -commit",
