@@ -22,6 +22,8 @@ const char* FileSystemName(uint32_t kind) {
         return "ISO 9660 with Joliet";
     case qmz::kFsRockRidge:
         return "ISO 9660 with Rock Ridge";
+    case qmz::kFsIso9660_1999:
+        return "ISO 9660:1999";
     case qmz::kFsUdf:
         return "UDF";
     case qmz::kFsUdfBridge:

@@ -21,6 +21,9 @@ if [ ! -f "$seeds/.made" ]; then
     genisoimage -quiet -no-pad -D -o "$seeds/plain.iso" "$work/src"
     xorriso -no_rc -report_about SORRY -outdev "$seeds/relocated.iso" -padding 0 \
         -compliance deep_paths_off -rockridge on -map "$work/src" / -commit
+    xorriso -no_rc -report_about SORRY -outdev "$seeds/zisofs.iso" -padding 0 -rockridge on \
+        -map "$work/src" / -set_filter_r --zisofs / -- -commit
+    genisoimage -quiet -no-pad -iso-level 4 -D -o "$seeds/iso1999.iso" "$work/src"
     genisoimage -quiet -no-pad -input-charset utf-8 -udf -o "$seeds/udf-bridge.iso" "$work/src"
     dd if=/dev/zero of="$seeds/udf-201.img" bs=2048 count=300 status=none
     mkudffs --media-type=hd --udfrev=0x0201 -b 2048 "$seeds/udf-201.img" >/dev/null

@@ -213,6 +213,10 @@ void IsoScanner::AddRecord(VolumeIndex& index, const DirectoryRecord& record, bo
             entry.firstExtent = index.AppendExtent(FolderExtent(record));
             entry.extentCount = 1;
         }
+        if (rockRidge_ && attributes_.zisofs) {
+            entry.size = attributes_.zisofsSize;
+            entry.flags |= kEntryZisofs;
+        }
         multi_.open = (record.Flags() & kRecordMultiExtent) != 0;
         if (multi_.open) {
             multi_.idLength = record.IdentifierLength();
@@ -240,7 +244,9 @@ bool IsoScanner::ContinueMultiExtent(VolumeIndex& index, const DirectoryRecord& 
             file.firstExtent = extent;
         }
         ++file.extentCount;
-        file.size += record.DataLength();
+        if ((file.flags & kEntryZisofs) == 0) { // ZF's size already counts every extent
+            file.size += record.DataLength();
+        }
     }
     multi_.open = (record.Flags() & kRecordMultiExtent) != 0;
     return true;
@@ -253,10 +259,14 @@ void IsoScanner::BuildName(const DirectoryRecord& record, bool isDirectory) {
     } else {
         if (tree_.kind == TreeKind::kJoliet) {
             name_.AppendUtf16Be(record.Identifier(), record.IdentifierLength());
+        } else if (tree_.kind == TreeKind::kIso9660_1999) {
+            // ISO 9660:1999 names are any bytes, in practice the writer's UTF-8, and carry no
+            // version: a ";1" or a trailing '.' is part of the name.
+            name_.AppendUtf8OrLatin1(record.Identifier(), record.IdentifierLength());
         } else {
             name_.AppendLatin1(record.Identifier(), record.IdentifierLength());
         }
-        if (!isDirectory) {
+        if (!isDirectory && tree_.kind != TreeKind::kIso9660_1999) {
             name_.StripFileVersion();
         }
     }

@@ -26,6 +26,11 @@ constexpr uint32_t kPathTableLOffset = 140;
 constexpr uint32_t kRootRecordOffset = 156;
 constexpr uint32_t kRootRecordBytes = 34;
 constexpr uint32_t kEscapeOffset = 88;
+constexpr uint32_t kVersionOffset = 6;
+constexpr uint32_t kFileStructureVersionOffset = 881;
+// ISO 9660:1999: the enhanced volume descriptor is a supplementary descriptor of version 2
+// whose file structure version is 2.
+constexpr uint8_t kEnhancedVersion = 2;
 
 bool HasStandardId(const uint8_t* d) {
     return std::memcmp(d + 1, "CD001", 5) == 0;
@@ -46,7 +51,12 @@ bool IsoVolume::IsJoliet(const uint8_t* d) {
            (esc[2] == '@' || esc[2] == 'C' || esc[2] == 'E');
 }
 
-Result IsoVolume::ReadDescriptors(SectorSource& source, SectorBuffer (&buffers)[2],
+bool IsoVolume::IsEnhanced(const uint8_t* d) {
+    return d[kVersionOffset] == kEnhancedVersion &&
+           d[kFileStructureVersionOffset] == kEnhancedVersion;
+}
+
+Result IsoVolume::ReadDescriptors(SectorSource& source, SectorBuffer (&buffers)[3],
                                   Descriptors* found) {
     *found = {};
     SectorBuffer scratch;
@@ -63,6 +73,9 @@ Result IsoVolume::ReadDescriptors(SectorSource& source, SectorBuffer (&buffers)[
         if (d[0] == kTypePrimary && found->primary == nullptr) {
             slot = &found->primary;
             keep = &buffers[0];
+        } else if (d[0] == kTypeSupplementary && found->enhanced == nullptr && IsEnhanced(d)) {
+            slot = &found->enhanced;
+            keep = &buffers[2];
         } else if (d[0] == kTypeSupplementary && found->joliet == nullptr && IsJoliet(d)) {
             slot = &found->joliet;
             keep = &buffers[1];
@@ -72,7 +85,8 @@ Result IsoVolume::ReadDescriptors(SectorSource& source, SectorBuffer (&buffers)[
             *slot = keep->bytes;
         }
     }
-    return found->primary != nullptr || found->joliet != nullptr ? kOk : kEngineBadImage;
+    bool any = found->primary != nullptr || found->joliet != nullptr || found->enhanced != nullptr;
+    return any ? kOk : kEngineBadImage;
 }
 
 Result IsoVolume::DescribeTree(const uint8_t* d, TreeKind kind, IsoTree* tree) {
@@ -120,7 +134,7 @@ void IsoVolume::DetectRockRidge(SectorSource& source, IsoTree* tree) {
 }
 
 Result IsoVolume::Open(SectorSource& source, IsoTree* tree) {
-    SectorBuffer buffers[2];
+    SectorBuffer buffers[3];
     Descriptors found{};
     Result r = ReadDescriptors(source, buffers, &found);
     if (r != kOk) {
@@ -128,11 +142,15 @@ Result IsoVolume::Open(SectorSource& source, IsoTree* tree) {
     }
     if (found.primary != nullptr && DescribeTree(found.primary, TreeKind::kIso9660, tree) == kOk) {
         DetectRockRidge(source, tree);
-        if (tree->kind == TreeKind::kRockRidge || found.joliet == nullptr) {
+        if (tree->kind == TreeKind::kRockRidge) {
             return kOk;
         }
     }
     if (found.joliet != nullptr && DescribeTree(found.joliet, TreeKind::kJoliet, tree) == kOk) {
+        return kOk;
+    }
+    if (found.enhanced != nullptr &&
+        DescribeTree(found.enhanced, TreeKind::kIso9660_1999, tree) == kOk) {
         return kOk;
     }
     return found.primary != nullptr ? DescribeTree(found.primary, TreeKind::kIso9660, tree)

@@ -26,6 +26,10 @@ constexpr uint8_t kTfModify = 0x02;
 constexpr uint8_t kTfLongForm = 0x80;
 constexpr uint32_t kModeTypeMask = 0170000;
 constexpr uint32_t kModeSymlink = 0120000;
+// ZF (zisofs-tools): algorithm "pz", header size / 4, log2 block size, uncompressed size
+// both-endian. A header is at least 16 bytes.
+constexpr uint32_t kZfLength = 16;
+constexpr uint8_t kZfMinHeaderWords = 4;
 
 constexpr uint16_t Signature(char a, char b) {
     return static_cast<uint16_t>(static_cast<uint8_t>(a) << 8 | static_cast<uint8_t>(b));
@@ -43,8 +47,8 @@ bool IsRripIdentifier(const uint8_t* id, uint32_t length) {
 void RockRidgeAttributes::Reset() {
     nameLength = 0;
     hasName = nameComplete = hasMode = hasTime = symlink = relocated = false;
-    hasChildLink = hasSharingProtocol = rockRidge = false;
-    mode = childLinkLba = 0;
+    hasChildLink = hasSharingProtocol = rockRidge = zisofs = false;
+    mode = childLinkLba = zisofsSize = 0;
     mtime = 0;
     skipBytes = 0;
 }
@@ -111,6 +115,9 @@ void RockRidgeParser::ParseEntry(const uint8_t* e, uint32_t length, RockRidgeAtt
         break;
     case Signature('C', 'L'):
         ParseCl(e, length, out);
+        break;
+    case Signature('Z', 'F'):
+        ParseZf(e, length, out);
         break;
     case Signature('S', 'L'):
         out->symlink = true;
@@ -202,6 +209,15 @@ void RockRidgeParser::ParseCl(const uint8_t* e, uint32_t length, RockRidgeAttrib
     if (length >= 12) {
         out->hasChildLink = true;
         out->childLinkLba = DirectoryRecord::Le32(e + 4);
+    }
+}
+
+void RockRidgeParser::ParseZf(const uint8_t* e, uint32_t length, RockRidgeAttributes* out) {
+    // Other algorithms (zisofs2 and later) are not read: such a file shows as stored.
+    if (length >= kZfLength && e[4] == 'p' && e[5] == 'z' && e[6] >= kZfMinHeaderWords &&
+        e[7] >= kMinZisofsBlockLog && e[7] <= kMaxZisofsBlockLog) {
+        out->zisofs = true;
+        out->zisofsSize = DirectoryRecord::Le32(e + 8);
     }
 }
 

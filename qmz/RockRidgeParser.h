@@ -11,6 +11,9 @@ namespace qmz {
 
 // Longer Rock Ridge names are cut; no name handed on is longer than 281 UTF-16 units anyway.
 inline constexpr uint32_t kMaxRockRidgeNameBytes = 1024;
+// zisofs block sizes as zisofs-tools and libisofs write them: 32 KiB to 128 KiB.
+inline constexpr uint32_t kMinZisofsBlockLog = 15;
+inline constexpr uint32_t kMaxZisofsBlockLog = 17;
 
 struct RockRidgeAttributes {
     uint8_t name[kMaxRockRidgeNameBytes];
@@ -28,6 +31,8 @@ struct RockRidgeAttributes {
     bool hasSharingProtocol; // SP, only in the root's "." record
     uint8_t skipBytes;       // SP's LEN_SKP
     bool rockRidge;          // an RRIP entry or an RRIP extension reference was seen
+    bool zisofs;             // ZF: the data is zisofs-compressed
+    uint32_t zisofsSize;     // ZF's uncompressed size
 
     void Reset();
     bool IsSymlink() const;
@@ -59,6 +64,7 @@ private:
     static void ParsePx(const uint8_t* e, uint32_t length, RockRidgeAttributes* out);
     static void ParseTf(const uint8_t* e, uint32_t length, RockRidgeAttributes* out);
     static void ParseCl(const uint8_t* e, uint32_t length, RockRidgeAttributes* out);
+    static void ParseZf(const uint8_t* e, uint32_t length, RockRidgeAttributes* out);
     static void AppendName(const uint8_t* bytes, uint32_t count, RockRidgeAttributes* out);
 
     SectorSource& source_;

@@ -76,6 +76,7 @@ Result VolumeBrowser::FindClose() {
 
 Result VolumeBrowser::OpenFile(const char16_t* filePath, uint64_t* size) {
     fileOpen_ = false;
+    zisofs_.Close();
     uint32_t entry = Resolve(filePath);
     if (entry == VolumeIndex::kNotFound || index_.Entry(entry).IsDirectory()) {
         return kEngineFileNotFound;
@@ -85,8 +86,35 @@ Result VolumeBrowser::OpenFile(const char16_t* filePath, uint64_t* size) {
     position_ = 0;
     extent_ = 0;
     extentOffset_ = 0;
+    if ((index_.Entry(entry).flags & kEntryZisofs) != 0) {
+        zisofs_.Open(index_, entry, source_);
+    }
     if (size != nullptr) {
         *size = index_.Entry(entry).size;
+    }
+    return kOk;
+}
+
+Result VolumeBrowser::ReadExtents(uint8_t* out, uint32_t length, uint32_t* done) {
+    const IndexEntry& e = index_.Entry(file_);
+    while (*done < length && position_ < e.size && extent_ < e.extentCount) {
+        const Extent& extent = index_.ExtentAt(e.firstExtent + extent_);
+        if (extentOffset_ >= extent.length) {
+            ++extent_;
+            extentOffset_ = 0;
+            continue;
+        }
+        uint64_t n =
+            std::min<uint64_t>({length - *done, extent.length - extentOffset_, e.size - position_});
+        if (extent.zeros) {
+            std::memset(out + *done, 0, n);
+        } else if (source_.CopyBytes(extent.lba, extent.offset + extentOffset_, out + *done, n) !=
+                   kOk) {
+            return kEngineReadFailed;
+        }
+        *done += static_cast<uint32_t>(n);
+        extentOffset_ += n;
+        position_ += n;
     }
     return kOk;
 }
@@ -104,24 +132,14 @@ Result VolumeBrowser::ReadFile(void* buffer, uint32_t length, uint32_t* read) {
     const IndexEntry& e = index_.Entry(file_);
     auto* out = static_cast<uint8_t*>(buffer);
     uint32_t done = 0;
-    while (done < length && position_ < e.size && extent_ < e.extentCount) {
-        const Extent& extent = index_.ExtentAt(e.firstExtent + extent_);
-        if (extentOffset_ >= extent.length) {
-            ++extent_;
-            extentOffset_ = 0;
-            continue;
-        }
-        uint64_t n =
-            std::min<uint64_t>({length - done, extent.length - extentOffset_, e.size - position_});
-        if (extent.zeros) {
-            std::memset(out + done, 0, n);
-        } else if (source_.CopyBytes(extent.lba, extent.offset + extentOffset_, out + done, n) !=
-                   kOk) {
+    if ((e.flags & kEntryZisofs) != 0) {
+        done = static_cast<uint32_t>(std::min<uint64_t>(length, e.size - position_));
+        if (done > 0 && zisofs_.Read(position_, out, done) != kOk) {
             return kEngineReadFailed;
         }
-        done += static_cast<uint32_t>(n);
-        extentOffset_ += n;
-        position_ += n;
+        position_ += done;
+    } else if (ReadExtents(out, length, &done) != kOk) {
+        return kEngineReadFailed;
     }
     if (read != nullptr) {
         *read = done;
@@ -131,6 +149,7 @@ Result VolumeBrowser::ReadFile(void* buffer, uint32_t length, uint32_t* read) {
 
 Result VolumeBrowser::CloseFile() {
     fileOpen_ = false;
+    zisofs_.Close();
     return kOk;
 }
 

@@ -8,6 +8,7 @@
 #include "QmzTypes.h"
 #include "SectorSource.h"
 #include "VolumeIndex.h"
+#include "ZisofsReader.h"
 
 namespace qmz {
 
@@ -27,6 +28,7 @@ public:
 private:
     uint32_t Resolve(const char16_t* path) const;
     void Fill(uint32_t entry, file_attr* attr);
+    Result ReadExtents(uint8_t* out, uint32_t length, uint32_t* done);
 
     const VolumeIndex& index_;
     SectorSource& source_;
@@ -41,6 +43,7 @@ private:
     uint64_t position_ = 0;
     uint32_t extent_ = 0;       // index among the file's extents
     uint64_t extentOffset_ = 0; // bytes already read from that extent
+    ZisofsReader zisofs_;       // used when the open file is zisofs-compressed
 };
 
 } // namespace qmz

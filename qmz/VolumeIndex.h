@@ -30,6 +30,7 @@ enum EntryFlags : uint16_t {
     kEntryDirectory = 1,
     kEntryHidden = 2,
     kEntryTimeValid = 4,
+    kEntryZisofs = 8, // the extents hold zisofs-compressed data; size is the uncompressed size
 };
 
 struct IndexEntry {

@@ -93,6 +93,8 @@ enum FileSystemKind : uint32_t {
     kFsUdf = 4,
     // The UDF tree, of an image that holds an ISO 9660 tree too (a UDF bridge disc).
     kFsUdfBridge = 5,
+    // The ISO 9660:1999 tree of an enhanced volume descriptor: long names, no versions.
+    kFsIso9660_1999 = 6,
 };
 
 // The volume description filled by IQmzFileSystem::GetFsInfo.

@@ -18,6 +18,15 @@ void MakeSource(const fs::path& root, bool rockRidgeOnlyNames) {
     WriteFile(root / "sizes/k32", PatternBytes(32768, 2));
     WriteFile(root / "sizes/k32plus1", PatternBytes(32769, 3));
     WriteFile(root / "sizes/big.bin", PatternBytes(300001, 4));
+    // Compressible around 128 KiB of zeros, which zisofs records as blocks without data.
+    std::string text;
+    for (int i = 0; i < 5000; ++i) {
+        text += "line " + std::to_string(i) + "\n";
+    }
+    std::vector<uint8_t> mixed(text.begin(), text.end());
+    mixed.resize(mixed.size() + 131072);
+    mixed.insert(mixed.end(), text.begin(), text.end());
+    WriteFile(root / "sizes/compressible", mixed);
     fs::create_directories(root / "empty");
     WriteFile(root / "docs/Grüße aus Köln.txt", PatternBytes(100, 5));
     WriteFile(root / "docs/日本語の歌詞.txt", PatternBytes(200, 6));
@@ -39,7 +48,9 @@ struct Recipe {
     uint32_t treeKind;
     bool rockRidgeNames;
     bool sameAsSource; // the engine's tree must equal the source folder too
-    bool bsdtarReads;  // bsdtar refuses xorriso's relocation into the root
+    // bsdtar refuses xorriso's relocation into the root, and shows the primary tree where
+    // xorriso records the ISO 9660:1999 tree apart from it.
+    bool bsdtarReads;
 };
 
 const Recipe kRecipes[] = {
@@ -59,6 +70,15 @@ const Recipe kRecipes[] = {
      "xorriso -no_rc -report_about SORRY -outdev $ISO -compliance deep_paths_off "
      "-rockridge on -map $SRC / -commit",
      3, true, true, false},
+    {"MkzftreeZisofs32k", "mkzftree -f -q . ../z && genisoimage -quiet -R -z -o $ISO ../z", 3, true,
+     true, true},
+    {"XorrisoZisofs128k",
+     "xorriso -no_rc -report_about SORRY -outdev $ISO -rockridge on -zisofs block_size=128k "
+     "-map $SRC / -set_filter_r --zisofs / -- -commit",
+     3, true, true, true},
+    {"GenIsoLevel4", "genisoimage -quiet -iso-level 4 -o $ISO $SRC", 6, false, false, true},
+    {"XorrisoIsoLevel4", "xorriso -as mkisofs -quiet -iso-level 4 --norock -o $ISO $SRC", 6, false,
+     true, false},
     {"XorrisoJolietUtf16",
      "xorriso -no_rc -report_about SORRY -outdev $ISO -rockridge off -joliet on "
      "-compliance joliet_utf16:joliet_long_names -map $SRC / -commit",
