@@ -11,7 +11,6 @@ namespace qmz {
 namespace {
 
 // Deeper folders are listed but not walked.
-constexpr uint32_t kMaxDepth = 1000;
 // How often the walk of a large folder looks at the cancel flag.
 constexpr uint32_t kRecordsPerCancelCheck = 256;
 // The path table only feeds the progress estimate; a larger count claimed is not believed.
@@ -20,7 +19,6 @@ constexpr uint32_t kPathTableRecordHeader = 8;
 // Names may take as many UTF-16 units as the image has bytes, and at least this many.
 constexpr uint64_t kMinNameBudgetUnits = 1u << 20;
 // Shown while the walk runs, so that 1.0 means finished.
-constexpr float kMaxRunningProgress = 0.99f;
 
 bool IsRelocationFolderName(const EntryName& name) {
     std::u16string_view n(name.Data(), name.Length());
@@ -30,16 +28,10 @@ bool IsRelocationFolderName(const EntryName& name) {
 } // namespace
 
 IsoScanner::IsoScanner(SectorSource& source, const IsoTree& tree, const std::atomic<bool>& cancel)
-    : source_(source), tree_(tree), cancel_(cancel), rockRidge_(tree.kind == TreeKind::kRockRidge),
-      parser_(source) {
+    : VolumeScanner(cancel), source_(source), tree_(tree),
+      rockRidge_(tree.kind == TreeKind::kRockRidge), parser_(source) {
     attributes_.Reset();
     probeAttributes_.Reset();
-}
-
-float IsoScanner::Progress() const {
-    float done = static_cast<float>(foldersDone_.load(std::memory_order_relaxed));
-    float known = static_cast<float>(foldersKnown_.load(std::memory_order_relaxed));
-    return std::min(done / std::max(known, 1.0f), kMaxRunningProgress);
 }
 
 bool IsoScanner::MarkVisited(uint64_t lba) {
@@ -113,39 +105,11 @@ Result IsoScanner::Run(VolumeIndex& index) {
     nameBudget_ = std::max(kMinNameBudgetUnits, source_.SectorCount() * kSectorSize);
     foldersKnown_.store(std::max<uint32_t>(1, CountPathTableRecords()));
 
-    uint32_t levelEnd = 1;
-    uint32_t depth = 0;
-    for (uint32_t i = 0; i < index.EntryCount() && !full_; ++i) {
-        if (i == levelEnd) {
-            ++depth;
-            levelEnd = index.EntryCount();
-        }
-        if (!index.Entry(i).IsDirectory()) {
-            continue;
-        }
-        if (cancel_.load(std::memory_order_relaxed)) {
-            return kStopped;
-        }
-        if (depth >= kMaxDepth) {
-            damaged_ = true;
-            continue;
-        }
-        Result r = ScanFolder(index, i, i == VolumeIndex::kRoot);
-        if (r == kStopped) {
-            return r;
-        }
-        if (r != kOk && i == VolumeIndex::kRoot) {
-            return kEngineDiscCorrupt;
-        }
-        foldersDone_.fetch_add(1, std::memory_order_relaxed);
-        uint32_t known =
-            std::max(foldersKnown_.load(std::memory_order_relaxed), index.FolderCount() + 1);
-        foldersKnown_.store(known, std::memory_order_relaxed);
-    }
-    return kOk;
+    return WalkFolders(index);
 }
 
-Result IsoScanner::ScanFolder(VolumeIndex& index, uint32_t folder, bool isRoot) {
+Result IsoScanner::ScanFolder(VolumeIndex& index, uint32_t folder) {
+    const bool isRoot = folder == VolumeIndex::kRoot;
     Extent extent = index.ExtentAt(index.Entry(folder).firstExtent);
     Result r = kOk;
     if (extent.length > 0 && MarkVisited(extent.lba)) {

@@ -21,10 +21,6 @@ public:
     IsoScanner(SectorSource& source, const IsoTree& tree, const std::atomic<bool>& cancel);
 
     Result Run(VolumeIndex& index) override;
-    // Folders known come from the path table, or from the walk where that holds more.
-    float Progress() const override;
-    // Parts of the image were unreadable or inconsistent and left out of the tree.
-    bool Damaged() const { return damaged_; }
 
 private:
     struct MultiExtent {
@@ -35,7 +31,7 @@ private:
 
     template <class Visit>
     Result ForEachRecord(const Extent& extent, SectorBuffer& scratch, Visit&& visit);
-    Result ScanFolder(VolumeIndex& index, uint32_t folder, bool isRoot);
+    Result ScanFolder(VolumeIndex& index, uint32_t folder) override;
     void AddRecord(VolumeIndex& index, const DirectoryRecord& record, bool inRoot);
     bool ContinueMultiExtent(VolumeIndex& index, const DirectoryRecord& record);
     void BuildName(const DirectoryRecord& record, bool isDirectory);
@@ -47,7 +43,6 @@ private:
 
     SectorSource& source_;
     const IsoTree& tree_;
-    const std::atomic<bool>& cancel_;
     bool rockRidge_;
     RockRidgeParser parser_;
     RockRidgeAttributes attributes_;
@@ -59,10 +54,6 @@ private:
     std::vector<uint64_t> visited_; // one bit per sector: directory extents already walked
     uint64_t nameBudget_ = 0;
     uint32_t records_ = 0;
-    bool full_ = false;
-    bool damaged_ = false;
-    std::atomic<uint32_t> foldersDone_{0};
-    std::atomic<uint32_t> foldersKnown_{1};
 };
 
 } // namespace qmz

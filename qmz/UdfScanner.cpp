@@ -9,9 +9,7 @@ namespace qmz {
 namespace {
 
 // Deeper folders are listed but not walked, as on ISO 9660 volumes.
-constexpr uint32_t kMaxDepth = 1000;
 constexpr uint32_t kRecordsPerCancelCheck = 256;
-constexpr float kMaxRunningProgress = 0.99f;
 // The index may hold as many name units as the image has bytes, as many extents as 64 per
 // sector and as many entries as the image has room for identifier descriptors, and at least
 // these many of each: enough for any real disc, and a bound for a hostile one.
@@ -35,13 +33,7 @@ constexpr uint32_t kLengthMask = 0x3FFFFFFF;
 } // namespace
 
 UdfScanner::UdfScanner(UdfVolume& volume, const std::atomic<bool>& cancel)
-    : volume_(volume), source_(volume.Source()), cancel_(cancel), allocation_(volume) {}
-
-float UdfScanner::Progress() const {
-    float done = static_cast<float>(foldersDone_.load(std::memory_order_relaxed));
-    float known = static_cast<float>(foldersKnown_.load(std::memory_order_relaxed));
-    return std::min(done / std::max(known, 1.0f), kMaxRunningProgress);
-}
+    : VolumeScanner(cancel), volume_(volume), source_(volume.Source()), allocation_(volume) {}
 
 Extent UdfScanner::FolderHandle(UdfAddress where) {
     return {uint64_t{where.partition} << 32 | where.block, 0};
@@ -81,34 +73,7 @@ Result UdfScanner::Run(VolumeIndex& index) {
     index.AddRoot(FolderHandle(volume_.RootIcb()), root.entry.ModificationTime(),
                   root.entry.TimeValid());
 
-    uint32_t levelEnd = 1;
-    uint32_t depth = 0;
-    for (uint32_t i = 0; i < index.EntryCount() && !full_; ++i) {
-        if (i == levelEnd) {
-            ++depth;
-            levelEnd = index.EntryCount();
-        }
-        if (!index.Entry(i).IsDirectory()) {
-            continue;
-        }
-        if (cancel_.load(std::memory_order_relaxed)) {
-            return kStopped;
-        }
-        if (depth >= kMaxDepth) {
-            damaged_ = true;
-            continue;
-        }
-        Result r = ScanFolder(index, i);
-        if (r == kStopped) {
-            return r;
-        }
-        if (r != kOk && i == VolumeIndex::kRoot) {
-            return kEngineDiscCorrupt;
-        }
-        foldersDone_.fetch_add(1, std::memory_order_relaxed);
-        foldersKnown_.store(index.FolderCount() + 1, std::memory_order_relaxed);
-    }
-    return kOk;
+    return WalkFolders(index);
 }
 
 Result UdfScanner::ScanFolder(VolumeIndex& index, uint32_t folder) {

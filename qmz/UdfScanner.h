@@ -22,9 +22,6 @@ public:
     UdfScanner(UdfVolume& volume, const std::atomic<bool>& cancel);
 
     Result Run(VolumeIndex& index) override;
-    float Progress() const override;
-    // Parts of the image were unreadable or inconsistent and left out of the tree.
-    bool Damaged() const { return damaged_; }
 
 private:
     // A file entry read from the image; `block` views its sector until the next read.
@@ -35,7 +32,7 @@ private:
     };
 
     bool ReadIcb(UdfAddress where, Icb* icb);
-    Result ScanFolder(VolumeIndex& index, uint32_t folder);
+    Result ScanFolder(VolumeIndex& index, uint32_t folder) override;
     Result ReadIdentifiers(VolumeIndex& index);
     void AddChild(VolumeIndex& index, const uint8_t* fid);
     void AddFileExtents(VolumeIndex& index, const Icb& file, UdfAddress where, IndexEntry* entry);
@@ -48,7 +45,6 @@ private:
 
     UdfVolume& volume_;
     SectorSource& source_;
-    const std::atomic<bool>& cancel_;
     UdfAllocation allocation_;
     EntryName name_;
     SectorBuffer scratch_;
@@ -59,10 +55,6 @@ private:
     uint64_t extentBudget_ = 0;
     uint64_t entryBudget_ = 0;
     uint32_t records_ = 0;
-    bool full_ = false;
-    bool damaged_ = false;
-    std::atomic<uint32_t> foldersDone_{0};
-    std::atomic<uint32_t> foldersKnown_{1};
 };
 
 } // namespace qmz
