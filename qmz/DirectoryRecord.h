@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "ByteOrder.h"
+
 namespace qmz {
 
 // ECMA-119 9.1.6 file flags.
@@ -38,10 +40,6 @@ public:
     }
     const uint8_t* SystemUse() const { return p_ + systemUseOffset_; }
     uint32_t SystemUseLength() const { return Length() - systemUseOffset_; }
-
-    static uint32_t Le32(const uint8_t* p) {
-        return uint32_t{p[0]} | uint32_t{p[1]} << 8 | uint32_t{p[2]} << 16 | uint32_t{p[3]} << 24;
-    }
 
 private:
     const uint8_t* p_ = nullptr;

@@ -1,4 +1,5 @@
 #include "IsoVolume.h"
+#include "ByteOrder.h"
 
 #include <algorithm>
 #include <cstring>
@@ -97,8 +98,8 @@ Result IsoVolume::DescribeTree(const uint8_t* d, TreeKind kind, IsoTree* tree) {
     tree->kind = kind;
     tree->root = {uint64_t{root.ExtentLba()} + root.ExtendedAttributeSectors(), root.DataLength()};
     tree->rootTimeValid = IsoDate::DecodeShort(root.RecordingDate(), &tree->rootTime);
-    tree->pathTableBytes = DirectoryRecord::Le32(d + kPathTableSizeOffset);
-    tree->pathTableLba = DirectoryRecord::Le32(d + kPathTableLOffset);
+    tree->pathTableBytes = Le32(d + kPathTableSizeOffset);
+    tree->pathTableLba = Le32(d + kPathTableLOffset);
     tree->suspSkipBytes = 0;
 
     EntryName id;

@@ -1,4 +1,5 @@
 #include "NeroImage.h"
+#include "ByteOrder.h"
 
 #include <algorithm>
 #include <cstring>
@@ -24,14 +25,6 @@ constexpr Footer kFooters[] = {{{'N', 'E', 'R', '5'}, 12, 8}, {{'N', 'E', 'R', '
 
 } // namespace
 
-uint64_t NeroImage::Be(const uint8_t* p, uint32_t bytes) {
-    uint64_t v = 0;
-    for (uint32_t i = 0; i < bytes; ++i) {
-        v = v << 8 | p[i];
-    }
-    return v;
-}
-
 bool NeroImage::FindChunks(const ImageFile& file, uint64_t* first, uint64_t* end) {
     for (const Footer& footer : kFooters) {
         uint8_t bytes[12];
@@ -41,7 +34,7 @@ bool NeroImage::FindChunks(const ImageFile& file, uint64_t* first, uint64_t* end
             continue;
         }
         *end = file.Size() - footer.bytes;
-        *first = Be(bytes + 4, footer.offsetBytes);
+        *first = BigEndian(bytes + 4, footer.offsetBytes);
         return *first <= *end;
     }
     return false;
@@ -78,14 +71,15 @@ bool NeroImage::ReadTable(const ImageFile& file, uint64_t at, uint64_t length, c
     for (uint64_t i = 0; i < entries; ++i) {
         const uint8_t* e = body + table.headerBytes + i * table.entryBytes;
         NeroTrack track{};
-        track.start = Be(e + table.startAt, table.numberBytes);
+        track.start = BigEndian(e + table.startAt, table.numberBytes);
         if (table.endAt != 0) {
-            track.end = Be(e + table.endAt, table.numberBytes);
+            track.end = BigEndian(e + table.endAt, table.numberBytes);
         } else {
-            uint64_t span = Be(e + table.lengthAt, table.numberBytes);
+            uint64_t span = BigEndian(e + table.lengthAt, table.numberBytes);
             track.end = span <= limit ? track.start + span : 0;
         }
-        track.sectorSize = table.sizeAt != 0 ? static_cast<uint32_t>(Be(e + table.sizeAt, 2)) : 0;
+        track.sectorSize =
+            table.sizeAt != 0 ? static_cast<uint32_t>(BigEndian(e + table.sizeAt, 2)) : 0;
         if (track.start < track.end && track.end <= limit) {
             tracks[(*count)++] = track;
         }
@@ -107,7 +101,7 @@ bool NeroImage::ReadTracks(const ImageFile& file, NeroTrack (&tracks)[kMaxTracks
         if (file.Read(pos, header, sizeof(header)) != kOk) {
             return false;
         }
-        uint64_t length = Be(header + 4, 4);
+        uint64_t length = BigEndian(header + 4, 4);
         pos += kChunkHeaderBytes;
         if (length > end - pos) {
             return false;

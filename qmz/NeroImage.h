@@ -42,7 +42,6 @@ private:
     // end by `limit`.
     static bool ReadTable(const ImageFile& file, uint64_t at, uint64_t length, const Table& table,
                           uint64_t limit, NeroTrack (&tracks)[kMaxTracks], uint32_t* count);
-    static uint64_t Be(const uint8_t* p, uint32_t bytes);
 };
 
 } // namespace qmz

@@ -1,4 +1,5 @@
 #include "RockRidgeParser.h"
+#include "ByteOrder.h"
 
 #include <algorithm>
 #include <cstring>
@@ -144,8 +145,7 @@ void RockRidgeParser::ParseSp(const uint8_t* e, uint32_t length, RockRidgeAttrib
 
 void RockRidgeParser::ParseCe(const uint8_t* e, uint32_t length, Continuation* next) {
     if (length >= 28) {
-        *next = {true, DirectoryRecord::Le32(e + 4), DirectoryRecord::Le32(e + 12),
-                 DirectoryRecord::Le32(e + 20)};
+        *next = {true, Le32(e + 4), Le32(e + 12), Le32(e + 20)};
     }
 }
 
@@ -184,7 +184,7 @@ void RockRidgeParser::ParsePx(const uint8_t* e, uint32_t length, RockRidgeAttrib
     out->rockRidge = true;
     if (length >= 8) {
         out->hasMode = true;
-        out->mode = DirectoryRecord::Le32(e + 4);
+        out->mode = Le32(e + 4);
     }
 }
 
@@ -208,7 +208,7 @@ void RockRidgeParser::ParseCl(const uint8_t* e, uint32_t length, RockRidgeAttrib
     out->rockRidge = true;
     if (length >= 12) {
         out->hasChildLink = true;
-        out->childLinkLba = DirectoryRecord::Le32(e + 4);
+        out->childLinkLba = Le32(e + 4);
     }
 }
 
@@ -217,7 +217,7 @@ void RockRidgeParser::ParseZf(const uint8_t* e, uint32_t length, RockRidgeAttrib
     if (length >= kZfLength && e[4] == 'p' && e[5] == 'z' && e[6] >= kZfMinHeaderWords &&
         e[7] >= kMinZisofsBlockLog && e[7] <= kMaxZisofsBlockLog) {
         out->zisofs = true;
-        out->zisofsSize = DirectoryRecord::Le32(e + 8);
+        out->zisofsSize = Le32(e + 8);
     }
 }
 

@@ -1,4 +1,5 @@
 #include "UdfAllocation.h"
+#include "ByteOrder.h"
 
 #include <algorithm>
 
@@ -33,17 +34,17 @@ uint32_t AdSize(UdfAdForm form) {
 } // namespace
 
 UdfExtent UdfAllocation::Decode(const uint8_t* p, UdfAdForm form, uint16_t partition) {
-    uint32_t raw = UdfTag::Le32(p);
+    uint32_t raw = Le32(p);
     UdfExtent e{{0, partition}, raw & kLengthMask, static_cast<uint8_t>(raw >> 30)};
     switch (form) {
     case UdfAdForm::kShort: // 4/14.14.1: the partition is the entry's own
-        e.where.block = UdfTag::Le32(p + 4);
+        e.where.block = Le32(p + 4);
         break;
     case UdfAdForm::kLong: // 4/14.14.2
-        e.where = {UdfTag::Le32(p + 4), UdfTag::Le16(p + 8)};
+        e.where = {Le32(p + 4), Le16(p + 8)};
         break;
     default: // 4/14.14.3
-        e.where = {UdfTag::Le32(p + 12), UdfTag::Le16(p + 16)};
+        e.where = {Le32(p + 12), Le16(p + 16)};
         break;
     }
     return e;
@@ -77,7 +78,7 @@ bool UdfAllocation::ReadContinuation(UdfExtent* next, UdfAdForm form, std::vecto
         return false;
     }
     chain_.push_back(sector);
-    uint32_t length = UdfTag::Le32(d + kAedLengthOffset);
+    uint32_t length = Le32(d + kAedLengthOffset);
     if (length > kSectorSize - kAedHeader) {
         return false;
     }

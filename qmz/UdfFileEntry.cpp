@@ -1,4 +1,5 @@
 #include "UdfFileEntry.h"
+#include "ByteOrder.h"
 
 #include "IsoDate.h"
 #include "SectorSource.h"
@@ -39,12 +40,12 @@ int16_t SignExtend12(uint16_t v) {
 } // namespace
 
 bool UdfFileEntry::DecodeTimestamp(const uint8_t* p, int64_t* utcSeconds) {
-    uint16_t typeAndZone = UdfTag::Le16(p);
+    uint16_t typeAndZone = Le16(p);
     int zone = SignExtend12(typeAndZone);
     // A local time with an unknown zone, or one out of range, is taken as UTC.
     bool zoned = (typeAndZone >> 12) == kTimeTypeLocal && zone != kTimezoneUnspecified &&
                  zone >= -kMaxTimezoneMinutes && zone <= kMaxTimezoneMinutes;
-    auto year = static_cast<int16_t>(UdfTag::Le16(p + 2));
+    auto year = static_cast<int16_t>(Le16(p + 2));
     if (year <= 0) {
         return false;
     }
@@ -53,12 +54,12 @@ bool UdfFileEntry::DecodeTimestamp(const uint8_t* p, int64_t* utcSeconds) {
 }
 
 bool UdfFileEntry::ParseIcbTag(const uint8_t* icbTag) {
-    uint16_t strategy = UdfTag::Le16(icbTag + kStrategyOffset);
+    uint16_t strategy = Le16(icbTag + kStrategyOffset);
     if (strategy != kStrategyDirect && strategy != kStrategyUdf) {
         return false;
     }
     fileType_ = icbTag[kFileTypeOffset];
-    adForm_ = static_cast<UdfAdForm>(UdfTag::Le16(icbTag + kIcbFlagsOffset) & kAdFormMask);
+    adForm_ = static_cast<UdfAdForm>(Le16(icbTag + kIcbFlagsOffset) & kAdFormMask);
     return adForm_ <= UdfAdForm::kEmbedded;
 }
 
@@ -74,14 +75,14 @@ bool UdfFileEntry::Parse(const uint8_t* block, uint32_t location) {
     if (!ParseIcbTag(block + kIcbTagOffset)) {
         return false;
     }
-    uint64_t eaLength = UdfTag::Le32(block + layout->eaLength);
-    uint64_t adLength = UdfTag::Le32(block + layout->eaLength + 4);
+    uint64_t eaLength = Le32(block + layout->eaLength);
+    uint64_t adLength = Le32(block + layout->eaLength + 4);
     if (layout->fixedPart + eaLength + adLength > kSectorSize) {
         return false;
     }
     adOffset_ = static_cast<uint32_t>(layout->fixedPart + eaLength);
     adLength_ = static_cast<uint32_t>(adLength);
-    informationLength_ = UdfTag::Le64(block + kInformationLengthOffset);
+    informationLength_ = Le64(block + kInformationLengthOffset);
     timeValid_ = DecodeTimestamp(block + layout->modificationTime, &mtime_);
     return true;
 }

@@ -1,4 +1,5 @@
 #include "UdfScanner.h"
+#include "ByteOrder.h"
 
 #include <algorithm>
 
@@ -102,8 +103,7 @@ Result UdfScanner::ReadIdentifiers(VolumeIndex& index) {
     size_t size = directory_.size();
     for (size_t pos = 0; pos + kFidFixedPart <= size && !full_;) {
         const uint8_t* fid = d + pos;
-        size_t used =
-            kFidFixedPart + UdfTag::Le16(fid + kFidUseLengthOffset) + fid[kFidNameLengthOffset];
+        size_t used = kFidFixedPart + Le16(fid + kFidUseLengthOffset) + fid[kFidNameLengthOffset];
         if (used > size - pos ||
             !UdfTag::Check(fid, size - pos, kTagFileIdentifier, UdfTag::kAnyLocation)) {
             damaged_ = true;
@@ -120,9 +120,9 @@ Result UdfScanner::ReadIdentifiers(VolumeIndex& index) {
 
 void UdfScanner::AddChild(VolumeIndex& index, const uint8_t* fid) {
     uint8_t characteristics = fid[kFidCharacteristicsOffset];
-    UdfAddress where{UdfTag::Le32(fid + kFidIcbOffset + 4), UdfTag::Le16(fid + kFidIcbOffset + 8)};
+    UdfAddress where{Le32(fid + kFidIcbOffset + 4), Le16(fid + kFidIcbOffset + 8)};
     if ((characteristics & (kFidDeleted | kFidParent)) != 0 ||
-        (UdfTag::Le32(fid + kFidIcbOffset) & kLengthMask) == 0) {
+        (Le32(fid + kFidIcbOffset) & kLengthMask) == 0) {
         return;
     }
     Icb child{};
@@ -131,7 +131,7 @@ void UdfScanner::AddChild(VolumeIndex& index, const uint8_t* fid) {
         return;
     }
     name_.Clear();
-    name_.AppendOstaCompressed(fid + kFidFixedPart + UdfTag::Le16(fid + kFidUseLengthOffset),
+    name_.AppendOstaCompressed(fid + kFidFixedPart + Le16(fid + kFidUseLengthOffset),
                                fid[kFidNameLengthOffset]);
     name_.MakePlain();
     if (index.NameUnits() + name_.Length() > nameBudget_ || index.EntryCount() >= entryBudget_) {

@@ -1,4 +1,5 @@
 #include "UdfTag.h"
+#include "ByteOrder.h"
 
 #include <array>
 

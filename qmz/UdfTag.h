@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "ByteOrder.h"
+
 namespace qmz {
 
 // ECMA-167 3/7.2.1 and 4/7.2.1: tag identifiers.
@@ -30,11 +32,6 @@ public:
     // may straddle blocks).
     static constexpr uint32_t kAnyLocation = UINT32_MAX;
 
-    static uint16_t Le16(const uint8_t* p) { return static_cast<uint16_t>(p[0] | p[1] << 8); }
-    static uint32_t Le32(const uint8_t* p) {
-        return p[0] | p[1] << 8 | p[2] << 16 | static_cast<uint32_t>(p[3]) << 24;
-    }
-    static uint64_t Le64(const uint8_t* p) { return Le32(p) | uint64_t{Le32(p + 4)} << 32; }
     static uint16_t Id(const uint8_t* d) { return Le16(d); }
 
     // True when `d`, of which `available` bytes may be read, starts with a tag of identifier

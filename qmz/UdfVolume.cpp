@@ -1,4 +1,5 @@
 #include "UdfVolume.h"
+#include "ByteOrder.h"
 
 #include <algorithm>
 #include <cstring>
@@ -79,7 +80,7 @@ bool HasIdentifier(const uint8_t* regid, const char* text) {
 }
 
 UdfAddress LongAdAddress(const uint8_t* p) {
-    return {UdfTag::Le32(p + kLongAdBlockOffset), UdfTag::Le16(p + kLongAdPartitionOffset)};
+    return {Le32(p + kLongAdBlockOffset), Le16(p + kLongAdPartitionOffset)};
 }
 
 } // namespace
@@ -102,19 +103,18 @@ bool UdfVolume::FindAnchor(uint64_t* mainLba, uint32_t* mainBytes, uint64_t* res
             !UdfTag::Check(d, kSectorSize, kTagAnchor, static_cast<uint32_t>(lba))) {
             continue;
         }
-        *mainBytes = UdfTag::Le32(d + kAnchorMainOffset);
-        *mainLba = UdfTag::Le32(d + kAnchorMainOffset + 4);
-        *reserveBytes = UdfTag::Le32(d + kAnchorReserveOffset);
-        *reserveLba = UdfTag::Le32(d + kAnchorReserveOffset + 4);
+        *mainBytes = Le32(d + kAnchorMainOffset);
+        *mainLba = Le32(d + kAnchorMainOffset + 4);
+        *reserveBytes = Le32(d + kAnchorReserveOffset);
+        *reserveLba = Le32(d + kAnchorReserveOffset + 4);
         return true;
     }
     return false;
 }
 
 void UdfVolume::ReadPartitionDescriptor(const uint8_t* d, Sequence* sequence) {
-    PartitionDescriptor pd{
-        UdfTag::Le16(d + kPartitionNumberOffset), UdfTag::Le32(d + kSequenceNumberOffset),
-        UdfTag::Le32(d + kPartitionStartOffset), UdfTag::Le32(d + kPartitionLengthOffset)};
+    PartitionDescriptor pd{Le16(d + kPartitionNumberOffset), Le32(d + kSequenceNumberOffset),
+                           Le32(d + kPartitionStartOffset), Le32(d + kPartitionLengthOffset)};
     // 3/8.4.3: of two descriptors for one partition, the higher sequence number prevails.
     for (PartitionDescriptor& known : sequence->partitions) {
         if (known.number == pd.number) {
@@ -146,15 +146,14 @@ void UdfVolume::ReadSequence(uint64_t lba, uint32_t bytes, Sequence* sequence) {
             ReadPartitionDescriptor(d, sequence);
         } else if (id == kTagLogicalVolume &&
                    (!sequence->haveLogical ||
-                    UdfTag::Le32(d + kSequenceNumberOffset) >= sequence->logicalNumber)) {
+                    Le32(d + kSequenceNumberOffset) >= sequence->logicalNumber)) {
             sequence->haveLogical = true;
-            sequence->logicalNumber = UdfTag::Le32(d + kSequenceNumberOffset);
+            sequence->logicalNumber = Le32(d + kSequenceNumberOffset);
             std::memcpy(sequence->logical.bytes, d, kSectorSize);
         } else if (id == kTagVolumePointer && ++pointers <= kMaxSequencePointers) {
             // 3/10.3: the sequence goes on in another extent.
-            sectors =
-                std::min(UdfTag::Le32(d + kPointerExtentOffset) / kSectorSize, kMaxSequenceSectors);
-            lba = UdfTag::Le32(d + kPointerExtentOffset + 4);
+            sectors = std::min(Le32(d + kPointerExtentOffset) / kSectorSize, kMaxSequenceSectors);
+            lba = Le32(d + kPointerExtentOffset + 4);
             i = UINT32_MAX; // the loop's increment makes it 0
         }
         // Primary and implementation-use descriptors carry nothing the reader shows: the
@@ -165,24 +164,24 @@ void UdfVolume::ReadSequence(uint64_t lba, uint32_t bytes, Sequence* sequence) {
 bool UdfVolume::ReadPartitionMap(const uint8_t* map, uint32_t length) {
     Partition p;
     if (map[0] == kMapType1 && length == kType1Length) {
-        p.number = UdfTag::Le16(map + 4);
+        p.number = Le16(map + 4);
     } else if (map[0] == kMapType2 && length == kType2Length) {
-        p.number = UdfTag::Le16(map + kType2NumberOffset);
+        p.number = Le16(map + kType2NumberOffset);
         const uint8_t* id = map + kMapIdOffset;
         if (HasIdentifier(id, "*UDF Virtual Partition")) {
             p.kind = MapKind::kVirtual;
         } else if (HasIdentifier(id, "*UDF Sparable Partition")) {
             p.kind = MapKind::kSparable;
-            p.packetLength = UdfTag::Le16(map + kPacketLengthOffset);
-            p.tableBytes = UdfTag::Le32(map + kTableSizeOffset);
+            p.packetLength = Le16(map + kPacketLengthOffset);
+            p.tableBytes = Le32(map + kTableSizeOffset);
             uint32_t tables = std::min<uint32_t>(map[kTableCountOffset], kMaxSparingTables);
             for (uint32_t t = 0; t < tables; ++t) {
-                p.tableLocations.push_back(UdfTag::Le32(map + kTableLocationsOffset + 4 * t));
+                p.tableLocations.push_back(Le32(map + kTableLocationsOffset + 4 * t));
             }
         } else if (HasIdentifier(id, "*UDF Metadata Partition")) {
             p.kind = MapKind::kMetadata;
-            p.metadataFile = UdfTag::Le32(map + kMetadataFileOffset);
-            p.mirrorFile = UdfTag::Le32(map + kMirrorFileOffset);
+            p.metadataFile = Le32(map + kMetadataFileOffset);
+            p.mirrorFile = Le32(map + kMirrorFileOffset);
         } else {
             return false;
         }
@@ -196,11 +195,11 @@ bool UdfVolume::ReadPartitionMap(const uint8_t* map, uint32_t length) {
 Result UdfVolume::ReadLogicalVolume(const Sequence& sequence) {
     const uint8_t* d = sequence.logical.bytes;
     // Images hold 2048-byte sectors, and every optical UDF volume has blocks of that size.
-    if (UdfTag::Le32(d + kBlockSizeOffset) != kSectorSize) {
+    if (Le32(d + kBlockSizeOffset) != kSectorSize) {
         return kEngineUnsupportedFs;
     }
-    uint32_t tableLength = UdfTag::Le32(d + kMapTableLengthOffset);
-    uint32_t count = UdfTag::Le32(d + kMapCountOffset);
+    uint32_t tableLength = Le32(d + kMapTableLengthOffset);
+    uint32_t count = Le32(d + kMapCountOffset);
     if (tableLength > kSectorSize - kMapsOffset || count > kMaxPartitionMaps) {
         return kEngineBadImage;
     }
@@ -269,12 +268,12 @@ bool UdfVolume::LoadSparingTable(Partition& p) {
             !HasIdentifier(table.data() + 17, "*UDF Sparing Table")) {
             continue;
         }
-        uint32_t count = std::min<uint32_t>(UdfTag::Le16(table.data() + kSparingCountOffset),
+        uint32_t count = std::min<uint32_t>(Le16(table.data() + kSparingCountOffset),
                                             (bytes - kSparingEntriesOffset) / kSparingEntryBytes);
         for (uint32_t i = 0; i < count; ++i) {
             const uint8_t* e = table.data() + kSparingEntriesOffset + i * kSparingEntryBytes;
-            if (UdfTag::Le32(e) < kSparingAvailable) {
-                p.spared.emplace_back(UdfTag::Le32(e), UdfTag::Le32(e + 4));
+            if (Le32(e) < kSparingAvailable) {
+                p.spared.emplace_back(Le32(e), Le32(e + 4));
             }
         }
         std::sort(p.spared.begin(), p.spared.end());
@@ -287,10 +286,10 @@ bool UdfVolume::ParseVat(const std::vector<uint8_t>& data, uint8_t fileType, Par
     size_t first = 0;
     size_t end = data.size();
     if (fileType == kUdfTypeVat) {
-        if (data.size() < kVatHeaderMinimum || UdfTag::Le16(data.data()) < kVatHeaderMinimum) {
+        if (data.size() < kVatHeaderMinimum || Le16(data.data()) < kVatHeaderMinimum) {
             return false;
         }
-        first = UdfTag::Le16(data.data());
+        first = Le16(data.data());
     } else {
         if (data.size() < kVat150TrailerBytes ||
             !HasIdentifier(data.data() + data.size() - kVat150TrailerBytes + 1,
@@ -304,7 +303,7 @@ bool UdfVolume::ParseVat(const std::vector<uint8_t>& data, uint8_t fileType, Par
     }
     p.vat.resize((end - first) / 4);
     for (size_t i = 0; i < p.vat.size(); ++i) {
-        p.vat[i] = UdfTag::Le32(data.data() + first + 4 * i);
+        p.vat[i] = Le32(data.data() + first + 4 * i);
     }
     return true;
 }

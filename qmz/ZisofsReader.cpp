@@ -1,4 +1,5 @@
 #include "ZisofsReader.h"
+#include "ByteOrder.h"
 
 #include <algorithm>
 #include <cstring>
@@ -68,7 +69,7 @@ Result ZisofsReader::ReadHeader() {
     // The header must agree with the ZF entry's size, and its table must fit in the data.
     uint8_t h[kHeaderBytes];
     if (ReadRecorded(0, h, kHeaderBytes) != kOk || std::memcmp(h, kMagic, sizeof kMagic) != 0 ||
-        DirectoryRecord::Le32(h + kSizeOffset) != size_) {
+        Le32(h + kSizeOffset) != size_) {
         return kEngineReadFailed;
     }
     uint32_t headerBytes = uint32_t{h[kHeaderWordsOffset]} * 4;
@@ -93,8 +94,8 @@ Result ZisofsReader::LoadBlock(uint64_t block) {
     if (ReadRecorded(tableOffset_ + block * kPointerBytes, pointers, sizeof pointers) != kOk) {
         return kEngineReadFailed;
     }
-    uint64_t start = DirectoryRecord::Le32(pointers);
-    uint64_t end = DirectoryRecord::Le32(pointers + kPointerBytes);
+    uint64_t start = Le32(pointers);
+    uint64_t end = Le32(pointers + kPointerBytes);
     uint64_t tableEnd = tableOffset_ + (blockCount_ + 1) * kPointerBytes;
     if (start < tableEnd || end < start || end > recordedBytes_) {
         return kEngineReadFailed;

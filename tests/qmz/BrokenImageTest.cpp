@@ -4,6 +4,7 @@
 #include <functional>
 #include <gtest/gtest.h>
 
+#include "ByteOrder.h"
 #include "ImageFile.h"
 #include "IsoScanner.h"
 #include "IsoVolume.h"
@@ -19,9 +20,7 @@ constexpr size_t kSector = 2048;
 struct IsoBytes {
     std::vector<uint8_t> bytes;
 
-    uint32_t Le32(size_t at) const {
-        return bytes[at] | bytes[at + 1] << 8 | bytes[at + 2] << 16 | uint32_t{bytes[at + 3]} << 24;
-    }
+    uint32_t Le32(size_t at) const { return qmz::Le32(bytes.data() + at); }
     // Both-byte-order 32-bit field (ECMA-119 7.3.3).
     void SetBoth32(size_t at, uint32_t v) {
         for (int i = 0; i < 4; ++i) {

@@ -4,6 +4,7 @@
 #include <functional>
 #include <gtest/gtest.h>
 
+#include "ByteOrder.h"
 #include "TestSupport.h"
 
 namespace qmz::test {
@@ -15,10 +16,8 @@ constexpr size_t kAdsOffset = 176; // genisoimage writes file entries without ex
 struct UdfBytes {
     std::vector<uint8_t> bytes;
 
-    uint32_t Le32(size_t at) const {
-        return bytes[at] | bytes[at + 1] << 8 | bytes[at + 2] << 16 | uint32_t{bytes[at + 3]} << 24;
-    }
-    uint16_t Le16(size_t at) const { return static_cast<uint16_t>(bytes[at] | bytes[at + 1] << 8); }
+    uint32_t Le32(size_t at) const { return qmz::Le32(bytes.data() + at); }
+    uint16_t Le16(size_t at) const { return qmz::Le16(bytes.data() + at); }
     void Set32(size_t at, uint32_t v) {
         for (int i = 0; i < 4; ++i) {
             bytes[at + i] = static_cast<uint8_t>(v >> (8 * i));
