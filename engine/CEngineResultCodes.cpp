@@ -61,8 +61,8 @@ constexpr tagEngineCodeRow kRows[] = {
                  u"burning option is not to create a bootable disc."},
     {0xE0FF0014,
      u"(1) The given DVD Folder does not contain the necessary file VIDEO_TS.IFO or VTS_01_0.IFO.\n"
-     u"(2) The given DVD Folder is not complied with the DVD Specification. Some fields in the "
-     u"*.IFO file are not correct."},
+     u"(2) The given DVD Folder is not complied with the DVD Specifi"
+     u"cation. Some fields in the *.IFO file are not correct."},
     {0xE0FF0016, u"(1) The parameters for calling function or selecting option are not correct.\n"
                  u"(2) The index for array accessing or drives selection is out of range."},
     {0xE0FF0017, u"(1) A communication error occurred during the program and the drive unit.\n"
