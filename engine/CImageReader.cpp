@@ -77,15 +77,6 @@ bool IsPlainName(QStringView name) {
     return !name.isEmpty() && name != u"." && name != u".." && !name.contains(u'/');
 }
 
-// The folder that holds path, or path itself when it doesn't exist yet, for volume queries.
-QString ExistingFolderOf(const QString& path) {
-    QString probe = QDir::cleanPath(QFileInfo(path).absoluteFilePath());
-    while (!QFileInfo::exists(probe) && probe != u"/") {
-        probe = QFileInfo(probe).path();
-    }
-    return probe;
-}
-
 } // namespace
 
 // The walk's queues and its one entry record, reused for every entry.
@@ -620,7 +611,10 @@ void CImageReader::WriteTargetFile(const std::string& path) {
         }
         FreeChunk(chunk);
     }
-    std::fclose(pFile);
+    // Closing can be where a disk reports that it could not keep the data.
+    if (std::fclose(pFile) != 0 && m_bStop == 0) {
+        m_bWriteFailed = 1;
+    }
     if (m_bStop != 0) {
         ::unlink(path.c_str());
     }
@@ -727,7 +721,7 @@ qmz::Result CImageReader::GetFreeBytes(const QString& path, uint64_t* pFreeBytes
         return qmz::kFail;
     }
     struct statvfs info {};
-    if (::statvfs(QFile::encodeName(ExistingFolderOf(path)).constData(), &info) != 0) {
+    if (::statvfs(QFile::encodeName(MountTable::ExistingAncestor(path)).constData(), &info) != 0) {
         return qmz::MakeResult(0xE0FF000B);
     }
     *pFreeBytes = static_cast<uint64_t>(info.f_bavail) * info.f_frsize;
