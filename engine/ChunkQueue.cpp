@@ -10,7 +10,8 @@ void FreeChunk(ImageChunk& chunk) {
 }
 
 ChunkQueue::ChunkQueue(size_t nMaxBytes)
-    : m_nMaxBytes(nMaxBytes), m_nWakeBytes(std::min(kWriterBatchBytes, nMaxBytes)) {}
+    : m_nMaxBytes(nMaxBytes), m_nWakeBytes(std::min(kWriterBatchBytes, nMaxBytes)),
+      m_nRefillBytes(std::min(kWriterBatchBytes, nMaxBytes / 2)) {}
 
 ChunkQueue::~ChunkQueue() {
     FreeAll();
@@ -101,7 +102,8 @@ bool ChunkQueue::Take(ImageChunk& chunk) {
     chunk = m_chunks.front();
     m_chunks.pop_front();
     m_nBytes -= chunk.nLength;
-    const bool bWake = m_bReaderWantsRoom;
+    // A reader that waits for room is woken once a few chunks fit, not for every one.
+    const bool bWake = m_bReaderWantsRoom && m_nBytes + m_nRefillBytes <= m_nMaxBytes;
     lock.unlock();
     if (bWake) {
         m_readerWake.notify_all();

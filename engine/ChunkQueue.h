@@ -67,6 +67,7 @@ private:
     size_t m_nBytes = 0;
     const size_t m_nMaxBytes;
     const size_t m_nWakeBytes;
+    const size_t m_nRefillBytes;
     std::string m_targetPath;
     uint64_t m_nFileSerial = 0;
     uint64_t m_nTakenSerial = 0;
