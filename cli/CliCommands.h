@@ -2,10 +2,10 @@
 // process's exit code.
 #pragma once
 
-#include <QStringList>
+#include "CImageReader.h"
+#include "COvDataItem.h"
 
-class CImageReader;
-class COvDataItem;
+#include <QStringList>
 
 namespace cli {
 
@@ -29,10 +29,18 @@ int RunInfo(const QStringList& args);
 int RunExtract(const QStringList& args);
 int RunCat(const QStringList& args);
 
-// Opens the image at imagePath (absolute) into root; an exit code when that failed, else -1.
-// imageArg is the path as the user gave it, for messages.
-int OpenInto(CImageReader& reader, const QString& imageArg, const QString& imagePath,
-             COvDataItem& root);
+// An image named on the command line, opened into its tree. The path is made absolute before
+// the reader exists, because the reader makes the program's folder current.
+struct ImageSession {
+    explicit ImageSession(const QString& imageArg);
+    // An exit code when the image could not be opened (the reason is printed), else -1.
+    int Open();
+
+    QString imageArg; // as the user gave it, for messages
+    QString imagePath;
+    CImageReader reader;
+    COvDataItem root;
+};
 
 // "layout": the burn data tree that a folder on disk makes, with its sectors.
 int RunLayout(const QStringList& args);

@@ -240,17 +240,16 @@ int RunExtract(const QStringList& args) {
     if (!ParseExtractArgs(args, options)) {
         return kExitUsage;
     }
-    // Both paths are made absolute before the reader makes the program's folder current.
-    const QString imagePath = QFileInfo(options.imageArg).absoluteFilePath();
+    // The target is made absolute before the reader makes the program's folder current.
     const QString targetDir = QDir::cleanPath(QFileInfo(options.targetArg).absoluteFilePath());
     const QString targetBase = targetDir.endsWith(u'/') ? targetDir : targetDir + u'/';
-    CImageReader reader;
-    COvDataItem root(QString(), COvDataItem::KindRoot, 0, 0);
-    if (const int exitCode = OpenInto(reader, options.imageArg, imagePath, root); exitCode >= 0) {
+    ImageSession image(options.imageArg);
+    if (const int exitCode = image.Open(); exitCode >= 0) {
         return exitCode;
     }
+    CImageReader& reader = image.reader;
     std::vector<const COvDataItem*> items;
-    if (!SelectItems(root, options, items)) {
+    if (!SelectItems(image.root, options, items)) {
         return kExitFailure;
     }
     uint64_t ullTotal = 0;
@@ -285,13 +284,12 @@ int RunCat(const QStringList& args) {
     if (args.size() != 2) {
         return kExitUsage;
     }
-    const QString imagePath = QFileInfo(args[0]).absoluteFilePath();
-    CImageReader reader;
-    COvDataItem root(QString(), COvDataItem::KindRoot, 0, 0);
-    if (const int exitCode = OpenInto(reader, args[0], imagePath, root); exitCode >= 0) {
+    ImageSession image(args[0]);
+    if (const int exitCode = image.Open(); exitCode >= 0) {
         return exitCode;
     }
-    const COvDataItem* pItem = FindItem(root, args[1]);
+    CImageReader& reader = image.reader;
+    const COvDataItem* pItem = FindItem(image.root, args[1]);
     if (pItem == nullptr || !pItem->IsFile()) {
         PrintError(QStringLiteral("\"%1\" is not a file of the image.").arg(args[1]));
         return kExitFailure;

@@ -58,10 +58,11 @@ int PrintInfo(const CImageReader& reader, const COvDataItem& root) {
 
 } // namespace
 
-// Opens the image into root; an exit code when that failed, else -1. The path must be made
-// absolute before the reader exists, because the reader makes the program's folder current.
-int OpenInto(CImageReader& reader, const QString& imageArg, const QString& imagePath,
-             COvDataItem& root) {
+ImageSession::ImageSession(const QString& arg)
+    : imageArg(arg), imagePath(QFileInfo(arg).absoluteFilePath()),
+      root(QString(), COvDataItem::KindRoot, 0, 0) {}
+
+int ImageSession::Open() {
     if (!QFileInfo(imagePath).isFile()) {
         PrintError(QStringLiteral("\"%1\" does not exist or is not a file.").arg(imageArg));
         return kExitFailure;
@@ -86,18 +87,16 @@ int RunList(const QStringList& args) {
     if (rest.size() != 1) {
         return kExitUsage;
     }
-    const QString imagePath = QFileInfo(rest[0]).absoluteFilePath();
     // The type service costs a little on every entry, so only the long list pays for it.
     if (bLong) {
         CFileTypeCache::InstallForDataItems();
     }
-    CImageReader reader;
-    COvDataItem root(QString(), COvDataItem::KindRoot, 0, 0);
-    if (const int exitCode = OpenInto(reader, rest[0], imagePath, root); exitCode >= 0) {
+    ImageSession image(rest[0]);
+    if (const int exitCode = image.Open(); exitCode >= 0) {
         return exitCode;
     }
     TreePrinter printer(stdout, bLong);
-    if (!printer.PrintList(root)) {
+    if (!printer.PrintList(image.root)) {
         PrintError(QStringLiteral("Writing the list failed."));
         return kExitFailure;
     }
@@ -108,13 +107,11 @@ int RunInfo(const QStringList& args) {
     if (args.size() != 1) {
         return kExitUsage;
     }
-    const QString imagePath = QFileInfo(args[0]).absoluteFilePath();
-    CImageReader reader;
-    COvDataItem root(QString(), COvDataItem::KindRoot, 0, 0);
-    if (const int exitCode = OpenInto(reader, args[0], imagePath, root); exitCode >= 0) {
+    ImageSession image(args[0]);
+    if (const int exitCode = image.Open(); exitCode >= 0) {
         return exitCode;
     }
-    return PrintInfo(reader, root);
+    return PrintInfo(image.reader, image.root);
 }
 
 } // namespace cli

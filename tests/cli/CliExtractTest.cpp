@@ -23,6 +23,15 @@ void MakeSourceTree(const fs::path& src) {
     fs::create_directories(src / "empty/inner");
 }
 
+// The source tree as a Rock Ridge image in dir; empty if xorriso failed.
+fs::path MakeRockRidgeImage(const TempDir& dir) {
+    MakeSourceTree(dir / "src");
+    const fs::path image = dir / "image.iso";
+    const bool bMade = RunCommand("xorriso -as mkisofs -quiet -R -J -o " + Quote(image) + " " +
+                                  Quote(dir / "src"));
+    return bMade ? image : fs::path();
+}
+
 int Ovrin(const std::string& arguments, std::string* pOutput = nullptr) {
     int status = -1;
     const std::string out =
@@ -107,10 +116,8 @@ struct ExistingCase {
 
 TEST(CliExtract, AnExistingTargetIsReplacedSkippedOrStopsTheJob) {
     TempDir dir;
-    MakeSourceTree(dir / "src");
-    const fs::path image = dir / "image.iso";
-    ASSERT_TRUE(RunCommand("xorriso -as mkisofs -quiet -R -J -o " + Quote(image) + " " +
-                           Quote(dir / "src")));
+    const fs::path image = MakeRockRidgeImage(dir);
+    ASSERT_FALSE(image.empty());
     const ExistingCase cases[] = {
         {"neither flag", "", 1, "already exists. Nothing was extracted", "local"},
         {"skip", " --skip-existing", 0, "", "local"},
@@ -132,10 +139,8 @@ TEST(CliExtract, AnExistingTargetIsReplacedSkippedOrStopsTheJob) {
 
 TEST(CliExtract, NamedItemsLandInTheTargetFolderAndCatWritesOneFile) {
     TempDir dir;
-    MakeSourceTree(dir / "src");
-    const fs::path image = dir / "image.iso";
-    ASSERT_TRUE(RunCommand("xorriso -as mkisofs -quiet -R -J -o " + Quote(image) + " " +
-                           Quote(dir / "src")));
+    const fs::path image = MakeRockRidgeImage(dir);
+    ASSERT_FALSE(image.empty());
     const fs::path out = dir / "out";
     std::string text;
     ASSERT_EQ(Ovrin("extract " + Quote(image) + " a/b 'Grüße/日本語.txt' -C " + Quote(out), &text),
