@@ -6,14 +6,20 @@
 #include "contract/IBwRegPath.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <chrono>
+#include <cstdlib>
 #include <cstring>
 #include <deque>
+#include <fcntl.h>
 #include <new>
+#include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 
 namespace {
@@ -28,6 +34,15 @@ constexpr float kWalkPercentSpan = 50.0f;
 constexpr int32_t kPercentMax = 100;
 // Payload sizes in characters, as the receivers of the notifications expect them.
 constexpr size_t kShortPayloadChars = 260;
+constexpr size_t kLongPayloadChars = 520;
+constexpr uint32_t kChunkBytes = 32768;
+// Read-ahead that a slow target disk lets pile up before the reading side waits for it.
+constexpr size_t kMaxQueuedBytes = size_t{64} << 20;
+// Slices in which the reading side waits for the writer, keeping the interface alive between.
+constexpr auto kAppendWait = std::chrono::milliseconds(10);
+constexpr auto kWriterWait = std::chrono::milliseconds(100);
+// One percent of the free room is held back when a job's size is checked against it.
+constexpr double kRoomMargin = 1.01;
 // Letting a window process its messages after every entry would cost more than the walk
 // itself on large images; between pumps the stop flag is still polled after every entry.
 constexpr auto kPumpInterval = std::chrono::milliseconds(15);
@@ -56,6 +71,20 @@ const char16_t* Utf16(const QString& text) {
     return reinterpret_cast<const char16_t*>(text.utf16());
 }
 
+// An entry name that could lead a target path out of its folder is never written.
+bool IsPlainName(QStringView name) {
+    return !name.isEmpty() && name != u"." && name != u".." && !name.contains(u'/');
+}
+
+// The folder that holds path, or path itself when it doesn't exist yet, for volume queries.
+QString ExistingFolderOf(const QString& path) {
+    QString probe = QDir::cleanPath(QFileInfo(path).absoluteFilePath());
+    while (!QFileInfo::exists(probe) && probe != u"/") {
+        probe = QFileInfo(probe).path();
+    }
+    return probe;
+}
+
 } // namespace
 
 // The walk's queues and its one entry record, reused for every entry.
@@ -70,7 +99,8 @@ struct WalkState {
         std::chrono::steady_clock::now() - kPumpInterval;
 };
 
-CImageReader::CImageReader(const QString& enginePath) {
+CImageReader::CImageReader(const QString& enginePath)
+    : m_oBuffers(kMaxQueuedBytes), m_mountTablePath(MountTable::SystemTablePath()) {
     m_pModule = new (std::nothrow) CEngineModule();
     if (m_pModule == nullptr) {
         return;
@@ -88,6 +118,10 @@ CImageReader::CImageReader(const QString& enginePath) {
 }
 
 CImageReader::~CImageReader() {
+    if (m_hWriterThread.joinable()) {
+        m_oBuffers.Shutdown();
+        m_hWriterThread.join();
+    }
     DisconnectEngine();
     delete m_pModule;
 }
@@ -420,4 +454,295 @@ void CImageReader::CloseImage() {
         m_pDrv->Release();
         m_pDrv = nullptr;
     }
+}
+
+qmz::Result CImageReader::CopyFile(const QString& source, const QString& target,
+                                   const qmz::FileTime* pTime) {
+    if (m_pFileSystem == nullptr) {
+        return qmz::kUnexpected;
+    }
+    m_bCopying = 1;
+    m_strDstFile = target;
+    m_bWriteFailed = 0;
+    m_bAccessDenied = 0;
+    uint64_t ullSize = 0;
+    qmz::Result hr = m_pFileSystem->OpenFile(Utf16(source), &ullSize);
+    const bool bOpened = hr >= 0;
+    if (bOpened) {
+        hr = TransferFile(source, ullSize, hr);
+        m_pFileSystem->CloseFile();
+    }
+    FinishTarget(hr, pTime);
+    m_oBuffers.FreeAll();
+    m_bCopying = 0;
+    return hr;
+}
+
+// Reads an open file into the writer's list and waits for the writer. Returns hr, or what
+// failed; a read's own code takes hr's place.
+qmz::Result CImageReader::TransferFile(const QString& source, uint64_t ullSize, qmz::Result hr) {
+    // The highest offset to read; 0 also means nothing to read, so a file of one byte is
+    // created empty, like one of none.
+    const uint64_t ullLast = ullSize == 0 ? 0 : ullSize - 1;
+    const QString folder = QFileInfo(m_strDstFile).absolutePath() + u'/';
+    if (FileSystemCanHold(folder, ullSize) == 0) {
+        Notify(NOTIFY_NO_ROOM, m_strDstFile, kLongPayloadChars);
+        return qmz::kFail;
+    }
+    m_bStop = 0;
+    m_oBuffers.FreeAll();
+    Notify(NOTIFY_COPY_BEGIN, source, kShortPayloadChars);
+    StartWriter();
+    m_oBuffers.BeginFile(QFile::encodeName(m_strDstFile).toStdString());
+    hr = ReadChunks(ullLast, hr);
+    WaitForWriter();
+    if (m_bWriteFailed != 0 || m_bAccessDenied != 0) {
+        hr = qmz::kFail;
+        Notify(m_bWriteFailed != 0 ? NOTIFY_WRITE_FAILED : NOTIFY_ACCESS_DENIED, m_strDstFile,
+               kLongPayloadChars);
+    }
+    if (m_bStop != 0) {
+        hr = qmz::kStopped;
+    }
+    return hr;
+}
+
+qmz::Result CImageReader::ReadChunks(uint64_t ullLast, qmz::Result hr) {
+    uint64_t ullDone = 0;
+    uint32_t nChunk = kChunkBytes;
+    for (;;) {
+        if (m_bStop != 0) {
+            return qmz::kStopped;
+        }
+        if (m_bWriteFailed != 0 || m_bAccessDenied != 0) {
+            return qmz::kFail;
+        }
+        if (ullDone > ullLast || ullLast == 0) {
+            return hr;
+        }
+        if (ullDone + nChunk > ullLast) {
+            nChunk = static_cast<uint32_t>(ullLast - ullDone + 1);
+        }
+        ImageChunk chunk;
+        chunk.pData = static_cast<uint8_t*>(std::calloc(nChunk, 1));
+        if (chunk.pData == nullptr) {
+            return qmz::kOutOfMemory;
+        }
+        uint32_t nRead = 0;
+        hr = m_pFileSystem->ReadFile(chunk.pData, nChunk, &nRead, 0);
+        if (hr < 0) {
+            FreeChunk(chunk);
+            Notify(NOTIFY_READ_FAILED, QString(), kShortPayloadChars);
+            return hr;
+        }
+        // An engine that claims more than it was asked for is held to the buffer's size.
+        chunk.nLength = std::min(nRead, nChunk);
+        if (AppendChunk(chunk) != qmz::kOk) {
+            FreeChunk(chunk);
+            continue;
+        }
+        ullDone += chunk.nLength;
+        Pump();
+    }
+}
+
+// Hands a chunk to the writer, waiting while its list is full; kFail, with the chunk still the
+// caller's, when the writer has given up or a stop came in the meantime.
+qmz::Result CImageReader::AppendChunk(const ImageChunk& chunk) {
+    while (!m_oBuffers.Append(chunk, kAppendWait)) {
+        Pump();
+        if (m_bStop != 0 || m_bWriteFailed != 0 || m_bAccessDenied != 0) {
+            return qmz::kFail;
+        }
+    }
+    return qmz::kOk;
+}
+
+void CImageReader::StartWriter() {
+    if (!m_hWriterThread.joinable()) {
+        m_hWriterThread = std::thread(WriterThreadProc, this);
+    }
+}
+
+void CImageReader::WaitForWriter() {
+    m_oBuffers.EndReading();
+    while (!m_oBuffers.WaitFileDone(kWriterWait)) {
+        Pump();
+    }
+}
+
+// Removes a failed target; gives a finished one the image's modification time. The creation
+// and access times and the permissions stay as the system made them.
+void CImageReader::FinishTarget(qmz::Result hr, const qmz::FileTime* pTime) {
+    const QByteArray path = QFile::encodeName(m_strDstFile);
+    if (hr < 0) {
+        ::unlink(path.constData());
+        return;
+    }
+    if (pTime == nullptr) {
+        return;
+    }
+    const filetime::UnixTime t = filetime::ToUnix(TicksOf(*pTime));
+    const timespec times[2] = {{0, UTIME_OMIT},
+                               {static_cast<time_t>(t.seconds), static_cast<long>(t.nanoseconds)}};
+    ::utimensat(AT_FDCWD, path.constData(), times, 0);
+}
+
+// The writer lives across the files of a job: it writes each file that the reading side hands
+// over, and sleeps in between.
+void CImageReader::WriterThreadProc(CImageReader* pReader) {
+    if (pReader == nullptr) {
+        return;
+    }
+    std::string path;
+    while (pReader->m_oBuffers.WaitForFile(path)) {
+        pReader->WriteTargetFile(path);
+        pReader->m_oBuffers.MarkFileDone();
+    }
+}
+
+void CImageReader::WriteTargetFile(const std::string& path) {
+    std::FILE* pFile = std::fopen(path.c_str(), "wb");
+    if (pFile == nullptr) {
+        (errno == EACCES ? m_bAccessDenied : m_bWriteFailed) = 1;
+        return;
+    }
+    // Every chunk is counted and its write checked, the last ones of a file too: the reading
+    // side may finish long before the writer, and a short write there must not go unnoticed.
+    ImageChunk chunk;
+    while (m_bStop == 0 && m_bWriteFailed == 0 && m_oBuffers.Take(chunk)) {
+        if (chunk.pData != nullptr) {
+            WriteChunk(pFile, chunk);
+        }
+        FreeChunk(chunk);
+    }
+    std::fclose(pFile);
+    if (m_bStop != 0) {
+        ::unlink(path.c_str());
+    }
+}
+
+void CImageReader::WriteChunk(std::FILE* pFile, const ImageChunk& chunk) {
+    const size_t nWritten = std::fwrite(chunk.pData, 1, chunk.nLength, pFile);
+    const uint64_t ullDone = m_ullDoneBytes += nWritten;
+    const uint64_t ullTotal = m_ullTotalBytes;
+    // A job whose total was never set has no percent value to show.
+    if (ullTotal != 0) {
+        m_nCopyPercent = static_cast<int32_t>(ullDone * 100 / ullTotal);
+    }
+    if (nWritten < chunk.nLength) {
+        m_bWriteFailed = 1;
+    }
+}
+
+qmz::Result CImageReader::CopyFolder(const QString& source, const QString& targetBase) {
+    if (m_pReader == nullptr || m_pFileSystem == nullptr) {
+        return qmz::kFail;
+    }
+    QDir().mkdir(targetBase);
+    const QString dstRoot = targetBase + source.mid(source.lastIndexOf(u'\\') + 1);
+    QDir().mkdir(dstRoot);
+    std::deque<QString> paths{source};
+    qmz::file_attr attr;
+    qmz::Result hr = qmz::kOk;
+    while (!paths.empty() && m_bStop == 0) {
+        const QString path = std::move(paths.front());
+        paths.pop_front();
+        hr = m_pFileSystem->FindFirst(Utf16(path), &attr);
+        if (hr == qmz::kFindFolderEmpty) {
+            continue;
+        }
+        if (hr < 0) {
+            break;
+        }
+        hr = CopyListing(path, source, dstRoot, attr, paths);
+        // A failing FindClose ends the walk, but the walk's result stays what it was.
+        if (m_pFileSystem->FindClose() < 0) {
+            break;
+        }
+        if (hr == qmz::kFindNoMoreEntries) {
+            hr = qmz::kOk;
+        }
+        if (hr < 0) {
+            break;
+        }
+    }
+    if (hr == qmz::kFindFolderEmpty || hr == qmz::kFindNoMoreEntries) {
+        hr = qmz::kOk;
+    }
+    return hr;
+}
+
+// Copies the rest of a listing that FindFirst has begun: files at once, folders created and
+// queued for later. Returns the code that ended the listing.
+qmz::Result CImageReader::CopyListing(const QString& folderPath, const QString& source,
+                                      const QString& dstRoot, qmz::file_attr& attr,
+                                      std::deque<QString>& paths) {
+    // Every occurrence of the source's text is taken out, not only the leading one.
+    QString intermediate = folderPath;
+    intermediate.remove(source);
+    intermediate.replace(u'\\', u'/');
+    qmz::Result hr = qmz::kOk;
+    while (hr >= 0 && m_bStop == 0) {
+        const QString name = NameOf(attr).toString();
+        // The root has no name of its own to build targets from, and a name that isn't a plain
+        // path component could lead outside the target folder: neither is written.
+        if (folderPath.isEmpty() || !IsPlainName(name)) {
+            hr = m_pFileSystem->FindNext(&attr);
+            continue;
+        }
+        const QString srcName = folderPath + u'\\' + name;
+        const QString dstName = dstRoot + intermediate + u'/' + name;
+        if ((attr.uAttributes & qmz::kAttrDirectory) != 0) {
+            QDir().mkdir(dstName);
+            paths.push_back(srcName);
+        } else {
+            const qmz::FileTime utc = FileTimeOf(filetime::LocalToUtc(TicksOf(attr.ftLocalTime)));
+            hr = CopyFile(srcName, dstName, &utc);
+            if (hr < 0) {
+                break;
+            }
+        }
+        hr = m_pFileSystem->FindNext(&attr);
+    }
+    return hr;
+}
+
+int CImageReader::CheckDiskRoom(const QString& path, uint64_t ullBytes) {
+    uint64_t ullFree = 0;
+    GetFreeBytes(path, &ullFree);
+    return FitsInFreeBytes(ullBytes, ullFree) ? 1 : 0;
+}
+
+bool CImageReader::FitsInFreeBytes(uint64_t ullBytes, uint64_t ullFreeBytes) {
+    return !(static_cast<double>(ullBytes) * kRoomMargin > static_cast<double>(ullFreeBytes));
+}
+
+qmz::Result CImageReader::GetFreeBytes(const QString& path, uint64_t* pFreeBytes) {
+    if (pFreeBytes == nullptr || path.isEmpty()) {
+        return qmz::kFail;
+    }
+    struct statvfs info {};
+    if (::statvfs(QFile::encodeName(ExistingFolderOf(path)).constData(), &info) != 0) {
+        return qmz::MakeResult(0xE0FF000B);
+    }
+    *pFreeBytes = static_cast<uint64_t>(info.f_bavail) * info.f_frsize;
+    return qmz::kOk;
+}
+
+int CImageReader::FileSystemCanHold(const QString& folder, uint64_t ullSize) {
+    struct stat st {};
+    const uint64_t device =
+        ::stat(QFile::encodeName(ExistingFolderOf(folder)).constData(), &st) == 0 ? st.st_dev : 0;
+    if (folder != m_strCapacityFolder || device != m_capacityDevice || device == 0) {
+        m_capacity = MountTable(m_mountTablePath).CapacityOf(folder);
+        m_strCapacityFolder = folder;
+        m_capacityDevice = device;
+    }
+    return MountTable::CanHold(m_capacity, ullSize) ? 1 : 0;
+}
+
+void CImageReader::SetMountTable(const QString& tablePath) {
+    m_mountTablePath = tablePath;
+    m_strCapacityFolder.clear();
 }

@@ -1,7 +1,10 @@
 // The one object through which the program reaches an image: it loads and drives the engine,
-// opens an image and walks it into a tree of COvDataItem nodes.
+// opens an image and walks it into a tree of COvDataItem nodes, and copies files and folders
+// out of it onto a disk.
 #pragma once
 
+#include "ChunkQueue.h"
+#include "MountTable.h"
 #include "NamedMutex.h"
 #include "contract/IQmzDrive.h"
 #include "contract/IQmzEngine.h"
@@ -9,7 +12,11 @@
 #include "contract/IQmzReader.h"
 
 #include <QString>
+#include <atomic>
 #include <cstdint>
+#include <cstdio>
+#include <deque>
+#include <thread>
 
 class CEngineModule;
 class COvDataItem;
@@ -52,6 +59,7 @@ public:
     bool IsCopying() const { return m_bCopying != 0; }
     void SetCopyPercent(int32_t nPercent) { m_nCopyPercent = nPercent; }
     void SetTotalBytes(uint64_t ullBytes) { m_ullTotalBytes = ullBytes; }
+    uint64_t GetTotalBytes() const { return m_ullTotalBytes; }
     void SetDoneBytes(uint64_t ullBytes) { m_ullDoneBytes = ullBytes; }
     uint64_t GetDoneBytes() const { return m_ullDoneBytes; }
 
@@ -62,6 +70,21 @@ public:
     qmz::Result ConnectEngine();
     void DisconnectEngine();
     qmz::Result CanOpen(const QString& imagePath);
+
+    // Extraction. A source is a path in the engine's form; the time is a UTC FILETIME. The
+    // command that runs a job sets the total bytes before it and clears the figures after it.
+    qmz::Result CopyFile(const QString& source, const QString& target, const qmz::FileTime* pTime);
+    // Copies the folder and all below it into targetBase, which ends in a separator.
+    qmz::Result CopyFolder(const QString& source, const QString& targetBase);
+    // 1 if the bytes fit on the volume of path with one percent to spare, else 0.
+    static int CheckDiskRoom(const QString& path, uint64_t ullBytes);
+    static bool FitsInFreeBytes(uint64_t ullBytes, uint64_t ullFreeBytes);
+    static qmz::Result GetFreeBytes(const QString& path, uint64_t* pFreeBytes);
+    // 1 if the file system of folder (ending in a separator) can hold a file of that size.
+    int FileSystemCanHold(const QString& folder, uint64_t ullSize);
+    // The table of mounts that FileSystemCanHold reads; tests give one of their own.
+    void SetMountTable(const QString& tablePath);
+    static void WriterThreadProc(CImageReader* pReader);
 
     // The engine's word on which file system it read (the first field of fsInfo).
     uint32_t GetFileSystemKind() const { return m_uFileSystemKind; }
@@ -79,6 +102,17 @@ private:
     void Notify(uint32_t code, const QString& payload, size_t payloadChars);
     void Pump();
     void PumpPaced(struct WalkState& state);
+    qmz::Result TransferFile(const QString& source, uint64_t ullSize, qmz::Result hr);
+    qmz::Result ReadChunks(uint64_t ullLast, qmz::Result hr);
+    qmz::Result AppendChunk(const ImageChunk& chunk);
+    void WaitForWriter();
+    void StartWriter();
+    void FinishTarget(qmz::Result hr, const qmz::FileTime* pTime);
+    qmz::Result CopyListing(const QString& folderPath, const QString& source,
+                            const QString& dstRoot, qmz::file_attr& attr,
+                            std::deque<QString>& paths);
+    void WriteTargetFile(const std::string& path);
+    void WriteChunk(std::FILE* pFile, const ImageChunk& chunk);
 
     CEngineModule* m_pModule = nullptr;
     qmz::IQmzEngine* m_pEngine = nullptr;
@@ -87,13 +121,25 @@ private:
     qmz::IQmzFileSystem* m_pFileSystem = nullptr;
     int32_t m_bAttached = 0;
     int32_t m_bLoaded = 0;
-    int32_t m_bStop = 0;
+    // Written on one thread and polled on the other while a file is copied.
+    std::atomic<int32_t> m_bStop = 0;
+    std::atomic<int32_t> m_bWriteFailed = 0;
+    std::atomic<int32_t> m_bAccessDenied = 0;
+    std::atomic<int32_t> m_nCopyPercent = 0;
+    std::atomic<uint64_t> m_ullDoneBytes = 0;
+    std::atomic<uint64_t> m_ullTotalBytes = 0;
     int32_t m_bOpening = 0;
     int32_t m_bCopying = 0;
     int32_t m_nOpenPercent = 0;
-    int32_t m_nCopyPercent = 0;
-    uint64_t m_ullDoneBytes = 0;
-    uint64_t m_ullTotalBytes = 0;
+    ChunkQueue m_oBuffers;
+    std::thread m_hWriterThread;
+    QString m_strDstFile;
+    QString m_mountTablePath;
+    // The last target folder that FileSystemCanHold was asked about, with its device and answer:
+    // a folder's file system can't change while it stays on one device.
+    QString m_strCapacityFolder;
+    uint64_t m_capacityDevice = 0;
+    MountTable::Capacity m_capacity = MountTable::Capacity::None;
     ImageReaderCallback m_pfnCallback = nullptr;
     void* m_pCallbackContext = nullptr;
     ImageReaderPump m_pfnPump = nullptr;

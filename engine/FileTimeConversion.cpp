@@ -99,4 +99,11 @@ CivilTime ToCivil(uint64_t utcTicks) {
     return civil;
 }
 
+UnixTime ToUnix(uint64_t utcTicks) {
+    const auto ticks = static_cast<int64_t>(utcTicks / kTicksPerSecond);
+    const auto rest = static_cast<int64_t>(utcTicks % kTicksPerSecond);
+    constexpr int64_t kNanosecondsPerTick = 100;
+    return {ticks - kSecondsFrom1601To1970, rest * kNanosecondsPerTick};
+}
+
 } // namespace filetime

@@ -12,6 +12,13 @@ inline constexpr int64_t kSecondsFrom1601To1970 = 11'644'473'600;
 // The UTC instant whose local time is the given one; 0 stays 0.
 uint64_t LocalToUtc(uint64_t localTicks);
 
+// A UTC FILETIME as seconds and nanoseconds since 1970-01-01, as the system's file times are.
+struct UnixTime {
+    int64_t seconds;
+    int64_t nanoseconds;
+};
+UnixTime ToUnix(uint64_t utcTicks);
+
 // Breaks a UTC FILETIME into its calendar fields (proleptic Gregorian).
 struct CivilTime {
     int64_t year;

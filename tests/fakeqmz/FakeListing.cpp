@@ -75,3 +75,19 @@ bool FakeListing::Load(const std::string& path) {
     }
     return true;
 }
+
+const FakeEntry* FakeListing::FindFile(const std::u16string& path) const {
+    const size_t slash = path.rfind(u'\\');
+    const std::u16string parent = slash == std::u16string::npos ? u"" : path.substr(0, slash);
+    const std::u16string name = slash == std::u16string::npos ? path : path.substr(slash + 1);
+    const auto it = folders.find(parent);
+    if (it == folders.end()) {
+        return nullptr;
+    }
+    for (const FakeEntry& entry : it->second) {
+        if (!entry.bFolder && entry.name == name) {
+            return &entry;
+        }
+    }
+    return nullptr;
+}

@@ -128,11 +128,33 @@ public:
     Result FindClose() override { return m_pDrive->Fault("FindClose"); }
     Result OpenFile(const char16_t* path, uint64_t* pSize) override {
         *pSize = 0;
-        return m_pDrive->Fault(("OpenFile " + Narrow(path)).c_str());
+        Log("OpenFile " + Narrow(path));
+        if (const Result hr = m_pDrive->Fault("OpenFile"); hr != kOk) {
+            return hr;
+        }
+        const FakeEntry* pEntry = m_pDrive->listing.FindFile(path);
+        if (pEntry == nullptr) {
+            return kEngineFileNotFound;
+        }
+        *pSize = pEntry->size;
+        m_nFileSize = pEntry->size;
+        m_nPathLength = std::char_traits<char16_t>::length(path);
+        m_nOffset = 0;
+        return kOk;
     }
-    Result ReadFile(void*, uint32_t, uint32_t* pRead, uint32_t) override {
+    Result ReadFile(void* pBuffer, uint32_t length, uint32_t* pRead, uint32_t) override {
         *pRead = 0;
-        return m_pDrive->Fault("ReadFile");
+        if (const Result hr = m_pDrive->Fault("ReadFile"); hr != kOk) {
+            return hr;
+        }
+        const auto n = static_cast<uint32_t>(std::min<uint64_t>(length, m_nFileSize - m_nOffset));
+        auto* pBytes = static_cast<uint8_t*>(pBuffer);
+        for (uint32_t i = 0; i < n; ++i) {
+            pBytes[i] = FakeContentByte(m_nPathLength, m_nOffset + i);
+        }
+        m_nOffset += n;
+        *pRead = n;
+        return kOk;
     }
     Result CloseFile() override { return m_pDrive->Fault("CloseFile"); }
 
@@ -151,6 +173,9 @@ private:
     FakeDrive* m_pDrive;
     const std::vector<FakeEntry>* m_pEntries = nullptr;
     size_t m_nNext = 0;
+    uint64_t m_nFileSize = 0;
+    uint64_t m_nOffset = 0;
+    size_t m_nPathLength = 0;
 };
 
 class FakeReader : public RefCounted<IQmzReader> {

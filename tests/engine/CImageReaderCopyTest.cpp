@@ -1,0 +1,296 @@
+// Copying out of an image, against the engine test double (whose files hold FakeContentByte's
+// pattern) and real target folders: what lands on the disk, and every way a copy can fail.
+#include "CImageReader.h"
+#include "COvDataItem.h"
+#include "FakeListing.h"
+#include "RestrictedTargets.h"
+#include "TestFiles.h"
+
+#include <QFile>
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <sys/stat.h>
+
+namespace {
+
+using testsupport::fs::path;
+
+constexpr uint64_t kTicks2024 = 133'485'408'000'000'000ull; // 2024-01-01T00:00:00Z, in the
+constexpr int64_t kUnix2024 = 1'704'067'200;                // test's zone, UTC
+
+struct Notice {
+    uint32_t code;
+    std::u16string payload;
+};
+
+struct Observer {
+    CImageReader* pReader = nullptr;
+    std::vector<Notice> notices;
+    int nPumps = 0;
+    int nStopAtPump = -1;
+
+    std::vector<uint32_t> Codes() const {
+        std::vector<uint32_t> codes;
+        for (const Notice& n : notices) {
+            codes.push_back(n.code);
+        }
+        return codes;
+    }
+};
+
+void ObserveNotice(uint32_t code, const char16_t* pPayload, void* pContext) {
+    static_cast<Observer*>(pContext)->notices.push_back({code, pPayload});
+}
+
+void CountPump(void* pContext) {
+    auto* pObserver = static_cast<Observer*>(pContext);
+    if (++pObserver->nPumps == pObserver->nStopAtPump) {
+        pObserver->pReader->SetStop(1);
+    }
+}
+
+QString Q(const path& p) {
+    return QString::fromStdString(p.string());
+}
+
+// The bytes the double serves for the file at the image path.
+std::vector<uint8_t> Expected(const std::u16string& imagePath, uint64_t size) {
+    std::vector<uint8_t> bytes(size);
+    for (uint64_t i = 0; i < size; ++i) {
+        bytes[i] = FakeContentByte(imagePath.size(), i);
+    }
+    return bytes;
+}
+
+class ImageReaderCopyTest : public ::testing::Test {
+protected:
+    // Opens a listing with the reader; the observer sees its notices and pumps.
+    void Open(const std::string& listing) {
+        const path file = m_dir / ("image" + std::to_string(++m_nImages) + ".txt");
+        std::ofstream(file) << listing;
+        m_observer.pReader = &m_reader;
+        m_reader.SetCallback(ObserveNotice, &m_observer);
+        m_reader.SetPump(CountPump, &m_observer);
+        ASSERT_EQ(m_reader.OpenImage(Q(file), &m_root), qmz::kOk);
+        m_reader.SetTotalBytes(m_root.m_ullSize);
+        m_observer.notices.clear();
+    }
+    qmz::Result CopyFile(const QString& source, const path& target) {
+        const qmz::FileTime time{static_cast<uint32_t>(kTicks2024),
+                                 static_cast<uint32_t>(kTicks2024 >> 32)};
+        return m_reader.CopyFile(source, Q(target), &time);
+    }
+    path Target(const std::string& name) {
+        const path folder = m_dir / "out";
+        testsupport::fs::create_directories(folder);
+        return folder / name;
+    }
+
+    testsupport::TempDir m_dir;
+    int m_nImages = 0;
+    CImageReader m_reader{QStringLiteral(FAKEQMZ_PATH)};
+    COvDataItem m_root{QString(), COvDataItem::KindRoot, 0, 0};
+    Observer m_observer;
+};
+
+TEST_F(ImageReaderCopyTest, AFolderArrivesWithItsBytesAndTimes) {
+    // Sizes around the chunk size; a one-byte file is created empty, like one of none.
+    Open("d 0 Top\n"
+         "f 0 133485408000000000 Top\\zero\n"
+         "f 1 133485408000000000 Top\\one\n"
+         "f 32768 133485408000000000 Top\\chunk\n"
+         "f 65537 133485408000000000 Top\\two chunks and one\n"
+         "d 0 Top\\Sub\n"
+         "d 0 Top\\Sub\\Empty\n"
+         "f 100000 133485408000000000 Top\\Sub\\deep.bin\n");
+    const path base = m_dir / "out";
+    ASSERT_EQ(m_reader.CopyFolder(QStringLiteral("Top"), Q(base) + u'/'), qmz::kOk);
+
+    struct Want {
+        const char* local;
+        std::u16string image;
+        uint64_t size;
+    };
+    const Want files[] = {{"Top/zero", u"Top\\zero", 0},
+                          {"Top/one", u"Top\\one", 0},
+                          {"Top/chunk", u"Top\\chunk", 32768},
+                          {"Top/two chunks and one", u"Top\\two chunks and one", 65537},
+                          {"Top/Sub/deep.bin", u"Top\\Sub\\deep.bin", 100000}};
+    for (const Want& want : files) {
+        const path file = base / want.local;
+        EXPECT_EQ(testsupport::ReadWholeFile(file), Expected(want.image, want.size)) << want.local;
+        struct stat st {};
+        ASSERT_EQ(stat(file.c_str(), &st), 0) << want.local;
+        EXPECT_EQ(st.st_mtime, kUnix2024) << want.local;
+    }
+    EXPECT_TRUE(testsupport::fs::is_directory(base / "Top/Sub/Empty"));
+    const std::vector<uint32_t> begins(5, NOTIFY_COPY_BEGIN);
+    EXPECT_EQ(m_observer.Codes(), begins);
+    EXPECT_EQ(m_observer.notices[0].payload, u"Top\\zero");
+    EXPECT_LE(m_reader.GetDoneBytes(), m_root.m_ullSize);
+    EXPECT_FALSE(m_reader.IsCopying());
+}
+
+TEST_F(ImageReaderCopyTest, TheSourcesTextIsTakenOutOfEveryNestedPath) {
+    // Below the first level, targets are built from the folder's path with every occurrence of
+    // the source's name taken out: a\data becomes \dt, a folder that is never created.
+    Open("d 0 a\nd 0 a\\data\nf 3 0 a\\data\\f\n");
+    const path base = m_dir / "out";
+    EXPECT_EQ(m_reader.CopyFolder(QStringLiteral("a"), Q(base) + u'/'), qmz::kFail);
+    EXPECT_TRUE(testsupport::fs::is_directory(base / "a/data"));
+    ASSERT_EQ(m_observer.notices.size(), 2u);
+    EXPECT_EQ(m_observer.notices[1].code, NOTIFY_WRITE_FAILED);
+    EXPECT_EQ(m_observer.notices[1].payload, Q(base / "a/dt/f").toStdU16String());
+}
+
+TEST_F(ImageReaderCopyTest, NamesThatWouldLeaveTheTargetFolderAreNotWritten) {
+    Open("d 0 Top\nf 4 0 Top\\../../escape\nf 4 0 Top\\..\nf 4 0 Top\\ok\n");
+    const path base = m_dir / "out";
+    ASSERT_EQ(m_reader.CopyFolder(QStringLiteral("Top"), Q(base) + u'/'), qmz::kOk);
+    EXPECT_FALSE(testsupport::fs::exists(m_dir / "escape"));
+    EXPECT_EQ(testsupport::DiskTree(base).size(), 2u) << "Top and Top/ok";
+}
+
+struct FailureCase {
+    const char* name;
+    const char* listing;
+    const char* source;
+    qmz::Result result;
+    std::vector<uint32_t> notices;
+    bool bTargetExistsBefore;
+};
+
+TEST_F(ImageReaderCopyTest, AFailedCopyReportsAndLeavesNoTarget) {
+    const FailureCase cases[] = {
+        {"the engine cannot open the file",
+         "f 10 0 x\nfail OpenFile 0 0xE0FF0048",
+         "x",
+         qmz::kEngineFileNotFound,
+         {},
+         true},
+        {"a read fails halfway",
+         "f 100000 0 x\nfail ReadFile 2 0xE0FF0006",
+         "x",
+         qmz::kEngineReadFailed,
+         {NOTIFY_COPY_BEGIN, NOTIFY_READ_FAILED},
+         false},
+        {"the first read fails",
+         "f 10 0 x\nfail ReadFile 1 0xE0FF0006",
+         "x",
+         qmz::kEngineReadFailed,
+         {NOTIFY_COPY_BEGIN, NOTIFY_READ_FAILED},
+         true},
+    };
+    for (const FailureCase& c : cases) {
+        Open(c.listing);
+        m_observer.notices.clear();
+        const path target = Target(c.name);
+        if (c.bTargetExistsBefore) {
+            std::ofstream(target) << "there before";
+        }
+        EXPECT_EQ(CopyFile(QString::fromUtf8(c.source), target), c.result) << c.name;
+        EXPECT_EQ(m_observer.Codes(), c.notices) << c.name;
+        EXPECT_FALSE(testsupport::fs::exists(target)) << c.name;
+    }
+}
+
+TEST_F(ImageReaderCopyTest, WithoutAnImageNothingIsCopied) {
+    EXPECT_EQ(CopyFile(QStringLiteral("x"), Target("x")), qmz::kUnexpected);
+    EXPECT_EQ(m_reader.CopyFolder(QStringLiteral("x"), Q(m_dir.Path()) + u'/'), qmz::kFail);
+    EXPECT_FALSE(testsupport::fs::exists(Target("x")));
+}
+
+TEST_F(ImageReaderCopyTest, AStopInTheMiddleLeavesNoTargetFile) {
+    Open("f 1000000 0 big\n");
+    m_observer.nStopAtPump = 5;
+    const path target = Target("big");
+    EXPECT_EQ(CopyFile(QStringLiteral("big"), target), qmz::kStopped);
+    EXPECT_FALSE(testsupport::fs::exists(target));
+}
+
+TEST_F(ImageReaderCopyTest, ATargetThatMayNotBeWrittenIsReportedAsAccessDenied) {
+    Open("f 10 0 x\n");
+    const path folder = m_dir / "locked";
+    testsupport::fs::create_directories(folder);
+    const path existing = Target("read-only");
+    std::ofstream(existing) << "old";
+    chmod(existing.c_str(), 0444);
+    chmod(folder.c_str(), 0555);
+    const testsupport::NoAccessOverride asUser;
+    for (const path& target : {folder / "x", existing}) {
+        m_observer.notices.clear();
+        EXPECT_EQ(CopyFile(QStringLiteral("x"), target), qmz::kFail) << target;
+        const std::vector<uint32_t> want{NOTIFY_COPY_BEGIN, NOTIFY_ACCESS_DENIED};
+        EXPECT_EQ(m_observer.Codes(), want) << target;
+        EXPECT_EQ(m_observer.notices.back().payload, Q(target).toStdU16String());
+    }
+    EXPECT_FALSE(testsupport::fs::exists(folder / "x"));
+    chmod(folder.c_str(), 0755);
+}
+
+TEST_F(ImageReaderCopyTest, WriteFailuresAreReportedAndTheTargetRemoved) {
+    Open("f 1000000 0 big\nf 10 0 small\n");
+    const path small = m_dir / "small";
+    testsupport::fs::create_directories(small);
+    {
+        const testsupport::SmallVolume volume(small, 64 * 1024);
+        const std::vector<uint32_t> want{NOTIFY_COPY_BEGIN, NOTIFY_WRITE_FAILED};
+        EXPECT_EQ(CopyFile(QStringLiteral("big"), small / "big"), qmz::kFail);
+        EXPECT_EQ(m_observer.Codes(), want);
+        EXPECT_FALSE(testsupport::fs::exists(small / "big"));
+    }
+    // A target whose folder doesn't exist cannot be created, for a reason other than access.
+    m_observer.notices.clear();
+    EXPECT_EQ(CopyFile(QStringLiteral("small"), m_dir / "no such folder" / "small"), qmz::kFail);
+    ASSERT_FALSE(m_observer.notices.empty());
+    EXPECT_EQ(m_observer.notices.back().code, NOTIFY_WRITE_FAILED);
+}
+
+TEST_F(ImageReaderCopyTest, AFileTooLargeForTheTargetsFileSystemIsRefusedBeforeReading) {
+    const path fat = m_dir / "fat";
+    testsupport::fs::create_directories(fat);
+    const path table = m_dir / "mountinfo";
+    std::ofstream(table) << "1 0 8:1 / / rw - ext4 /dev/sda1 rw\n"
+                         << "2 1 8:2 / " << fat.string() << " rw - vfat /dev/sdb1 rw\n";
+    m_reader.SetMountTable(Q(table));
+    Open("f 5368709120 0 five\n");
+    const path target = fat / "five";
+    std::ofstream(target) << "there before";
+    EXPECT_EQ(CopyFile(QStringLiteral("five"), target), qmz::kFail);
+    ASSERT_EQ(m_observer.Codes(), std::vector<uint32_t>{NOTIFY_NO_ROOM});
+    EXPECT_EQ(m_observer.notices[0].payload, Q(target).toStdU16String());
+    EXPECT_FALSE(testsupport::fs::exists(target));
+    EXPECT_EQ(m_reader.FileSystemCanHold(Q(fat) + u'/', 0x100000000ull), 1);
+    EXPECT_EQ(m_reader.FileSystemCanHold(Q(fat) + u'/', 0x100000001ull), 0);
+}
+
+TEST_F(ImageReaderCopyTest, AJobWithoutATotalStillCopies) {
+    Open("f 70000 0 x\n");
+    m_reader.SetTotalBytes(0);
+    ASSERT_EQ(CopyFile(QStringLiteral("x"), Target("x")), qmz::kOk);
+    EXPECT_EQ(testsupport::fs::file_size(Target("x")), 70000u);
+    int32_t nPercent = -1;
+    m_reader.GetProgress(PROGRESS_COPY, &nPercent);
+    EXPECT_EQ(nPercent, 0);
+}
+
+TEST(DiskRoomTest, OnePercentIsHeldBack) {
+    struct Case {
+        uint64_t bytes, freeBytes;
+        bool bFits;
+    };
+    const Case cases[] = {{100, 100, false}, {100, 101, true}, {0, 0, true}, {1, 0, false}};
+    for (const Case& c : cases) {
+        EXPECT_EQ(CImageReader::FitsInFreeBytes(c.bytes, c.freeBytes), c.bFits)
+            << c.bytes << " in " << c.freeBytes;
+    }
+    uint64_t ullFree = 0;
+    EXPECT_EQ(CImageReader::GetFreeBytes(QStringLiteral("/tmp/no/such/file"), &ullFree), qmz::kOk);
+    EXPECT_GT(ullFree, 0u);
+    EXPECT_EQ(CImageReader::GetFreeBytes(QStringLiteral("/tmp"), nullptr), qmz::kFail);
+    EXPECT_EQ(CImageReader::CheckDiskRoom(QStringLiteral("/tmp"), 0), 1);
+    EXPECT_EQ(CImageReader::CheckDiskRoom(QStringLiteral("/tmp"), ~0ull), 0);
+}
+
+} // namespace
