@@ -18,13 +18,15 @@
 # `diff -r`. An ovrin-cli without a working `extract` command is skipped with a warning.
 #
 # Usage: bench/extract-bench.sh [path/to/ovrin-cli] [large|small|both]
-# RUNS sets the timed runs per tool (default 5).
+# RUNS sets the timed runs per tool for both sets; otherwise RUNS_LARGE (default 10, a run
+# takes seconds) and RUNS_SMALL (default 5, a run takes up to a minute).
 set -euo pipefail
 
 here=$(cd "$(dirname "$0")" && pwd)
 cli=$(realpath -m "${1:-$here/../build/bin/ovrin-cli}")
 which_sets=${2:-both}
-runs=${RUNS:-5}
+runs_large=${RUNS:-${RUNS_LARGE:-10}}
+runs_small=${RUNS:-${RUNS_SMALL:-5}}
 cache="$here/cache"
 out="$cache/extract-out"
 tools=(ovrin 7z bsdtar xorriso cp)
@@ -116,7 +118,7 @@ prepare_command() {
 tree_summary() {
     local dirs files_bytes
     dirs=$(find "$1" -type d | wc -l)
-    files_bytes=$(find "$1" -type f -printf '%s\n' | awk '{n++; s += $1} END {print n + 0, s + 0}')
+    files_bytes=$(find "$1" -type f -printf '%s\n' | awk '{n++; s += $1} END {printf "%d %.0f\n", n, s}')
     echo "$dirs $files_bytes"
 }
 
@@ -145,8 +147,8 @@ trial_run() {
 
 # Times the tools with hyperfine; its progress goes to stderr, its figures to the CSV file.
 time_tools() {
-    local image=$1 src=$2 csv=$3 args=() tool
-    shift 3
+    local image=$1 src=$2 csv=$3 runs=$4 args=() tool
+    shift 4
     for tool in "$@"; do
         args+=(-n "${label[$tool]}" "$(tool_command "$tool" "$image" "$src") && sync")
     done
@@ -162,7 +164,7 @@ csv_field() {
 # Prints one set's table. The throughput is in MiB/s for the large set, in files/s for the
 # small one; "ovrin / tool" is ovrin's median over the tool's, below 1 where ovrin is faster.
 print_table() {
-    local set=$1 image=$2 csv=$3 files=$4 bytes=$5 ovrin cp amount unit tool name median
+    local set=$1 image=$2 csv=$3 runs=$4 files=$5 bytes=$6 ovrin cp amount unit tool name median
     ovrin=$(csv_field "$csv" "${label[ovrin]}" 4)
     cp=$(csv_field "$csv" "${label[cp]}" 4)
     if [ "$set" = large ]; then
@@ -170,7 +172,7 @@ print_table() {
     else
         amount=$files unit=files/s
     fi
-    printf '\nSet %s: %s image, %d files, %.1f MiB; %d runs each; reads warm, writes synced\n' \
+    printf '\nSet %s: %s image, %d files, %.1f MiB; %d timed runs per tool; reads warm, writes synced\n' \
         "$set" "$(du -h "$image" | cut -f1)" "$files" "$(awk -v b="$bytes" 'BEGIN {print b / 1048576}')" "$runs"
     printf '%-18s %10s %9s %9s %13s %9s %12s\n' command "median (s)" "min (s)" "max (s)" \
         "ovrin / tool" "$unit" "peak memory"
@@ -194,7 +196,8 @@ print_table() {
 
 run_set() {
     local set=$1 src="$cache/extract-$1-src" image="$cache/extract-$1.iso" expected csv
-    local measured=() tool files bytes
+    local measured=() tool files bytes runs=$runs_small
+    [ "$set" = small ] || runs=$runs_large
     make_set "$set"
     expected=$(tree_summary "$src")
     for tool in "${tools[@]}"; do
@@ -203,9 +206,9 @@ run_set() {
         fi
     done
     csv=$(mktemp)
-    time_tools "$image" "$src" "$csv" "${measured[@]}"
+    time_tools "$image" "$src" "$csv" "$runs" "${measured[@]}"
     read -r _ files bytes <<<"$expected"
-    print_table "$set" "$image" "$csv" "$files" "$bytes"
+    print_table "$set" "$image" "$csv" "$runs" "$files" "$bytes"
     rm -f "$csv"
 }
 
