@@ -3,6 +3,7 @@
 #include "CEngineResultCodes.h"
 #include "CImageReader.h"
 
+#include <array>
 #include <csignal>
 #include <cstdio>
 #include <unistd.h>
@@ -73,6 +74,16 @@ void CliFrontEnd::Pump() {
     if (m_bProgressShown && now - m_lastProgress < kProgressInterval) {
         return;
     }
+    if (m_reader.IsCopying()) {
+        ShowCopyProgress(now);
+    } else {
+        ShowOpenProgress();
+    }
+    m_bProgressShown = true;
+    m_lastProgress = now;
+}
+
+void CliFrontEnd::ShowOpenProgress() {
     int32_t nPercent = 0;
     m_reader.GetProgress(PROGRESS_OPEN, &nPercent);
     if (nPercent != m_nShownPercent) {
@@ -80,8 +91,38 @@ void CliFrontEnd::Pump() {
         std::fflush(stderr);
         m_nShownPercent = nPercent;
     }
-    m_bProgressShown = true;
-    m_lastProgress = now;
+}
+
+void CliFrontEnd::ShowCopyProgress(std::chrono::steady_clock::time_point now) {
+    if (!m_bCopyStarted) {
+        m_bCopyStarted = true;
+        m_copyStart = now;
+    }
+    const uint64_t ullDone = m_reader.GetDoneBytes();
+    const uint64_t ullTotal = m_reader.GetTotalBytes();
+    const double seconds = std::chrono::duration<double>(now - m_copyStart).count();
+    const QString rate =
+        seconds > 0 ? FormatBytes(static_cast<uint64_t>(static_cast<double>(ullDone) / seconds))
+                    : QStringLiteral("-");
+    const uint64_t ullPercent = ullTotal != 0 ? ullDone * 100 / ullTotal : 0;
+    std::fprintf(stderr, "\r\033[KExtracting: %s of %s (%llu%%), %s/s",
+                 FormatBytes(ullDone).toUtf8().constData(),
+                 FormatBytes(ullTotal).toUtf8().constData(),
+                 static_cast<unsigned long long>(ullPercent), rate.toUtf8().constData());
+    std::fflush(stderr);
+}
+
+QString CliFrontEnd::FormatBytes(uint64_t ullBytes) {
+    constexpr std::array<const char*, 5> kUnits = {"bytes", "KiB", "MiB", "GiB", "TiB"};
+    constexpr double kStep = 1024.0;
+    auto value = static_cast<double>(ullBytes);
+    size_t unit = 0;
+    while (value >= kStep && unit + 1 < kUnits.size()) {
+        value /= kStep;
+        ++unit;
+    }
+    return unit == 0 ? QStringLiteral("%1 bytes").arg(ullBytes)
+                     : QStringLiteral("%1 %2").arg(value, 0, 'f', 1).arg(kUnits[unit]);
 }
 
 void CliFrontEnd::EndProgress() {

@@ -56,6 +56,8 @@ int PrintInfo(const CImageReader& reader, const COvDataItem& root) {
     return std::fflush(stdout) == 0 ? kExitOk : kExitFailure;
 }
 
+} // namespace
+
 // Opens the image into root; an exit code when that failed, else -1. The path must be made
 // absolute before the reader exists, because the reader makes the program's folder current.
 int OpenInto(CImageReader& reader, const QString& imageArg, const QString& imagePath,
@@ -77,8 +79,6 @@ int OpenInto(CImageReader& reader, const QString& imageArg, const QString& image
     }
     return -1;
 }
-
-} // namespace
 
 int RunList(const QStringList& args) {
     QStringList rest = args;

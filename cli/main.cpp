@@ -13,6 +13,11 @@ const cli::Command kCommands[] = {
     {"list", "list [--long] IMAGE   list every folder and file of a disc image, --long with types",
      cli::RunList},
     {"info", "info IMAGE   show the volume name, file system and totals", cli::RunInfo},
+    {"extract",
+     "extract IMAGE [PATH...] [-C DIR] [--overwrite|--skip-existing]   copy the whole image, "
+     "or the named files and folders, into DIR (default: the current folder)",
+     cli::RunExtract},
+    {"cat", "cat IMAGE PATH   write one file of the image to standard output", cli::RunCat},
     {"layout", "layout FOLDER [--dvd-first]   show how a folder would lie on a disc",
      cli::RunLayout},
     {"reg", "reg get|set|delete|list HKCU|HKLM KEY [NAME [sz|dword|binary VALUE]]", cli::RunReg},

@@ -41,6 +41,7 @@ constexpr size_t kMaxQueuedBytes = size_t{64} << 20;
 // Slices in which the reading side waits for the writer, keeping the interface alive between.
 constexpr auto kAppendWait = std::chrono::milliseconds(10);
 constexpr auto kWriterWait = std::chrono::milliseconds(100);
+constexpr auto kCapacityLifetime = std::chrono::seconds(1);
 // One percent of the free room is held back when a job's size is checked against it.
 constexpr double kRoomMargin = 1.01;
 // Letting a window process its messages after every entry would cost more than the walk
@@ -74,15 +75,6 @@ const char16_t* Utf16(const QString& text) {
 // An entry name that could lead a target path out of its folder is never written.
 bool IsPlainName(QStringView name) {
     return !name.isEmpty() && name != u"." && name != u".." && !name.contains(u'/');
-}
-
-// The folder that holds path, or path itself when it doesn't exist yet, for volume queries.
-QString ExistingFolderOf(const QString& path) {
-    QString probe = QDir::cleanPath(QFileInfo(path).absoluteFilePath());
-    while (!QFileInfo::exists(probe) && probe != u"/") {
-        probe = QFileInfo(probe).path();
-    }
-    return probe;
 }
 
 } // namespace
@@ -607,6 +599,9 @@ void CImageReader::WriteTargetFile(const std::string& path) {
         (errno == EACCES ? m_bAccessDenied : m_bWriteFailed) = 1;
         return;
     }
+    // Chunks are large enough to go to the system as they are; a stream buffer would only cost
+    // a status query per file.
+    std::setvbuf(pFile, nullptr, _IONBF, 0);
     // Every chunk is counted and its write checked, the last ones of a file too: the reading
     // side may finish long before the writer, and a short write there must not go unnoticed.
     ImageChunk chunk;
@@ -616,7 +611,10 @@ void CImageReader::WriteTargetFile(const std::string& path) {
         }
         FreeChunk(chunk);
     }
-    std::fclose(pFile);
+    // Closing can be where a disk reports that it could not keep the data.
+    if (std::fclose(pFile) != 0 && m_bStop == 0) {
+        m_bWriteFailed = 1;
+    }
     if (m_bStop != 0) {
         ::unlink(path.c_str());
     }
@@ -723,7 +721,7 @@ qmz::Result CImageReader::GetFreeBytes(const QString& path, uint64_t* pFreeBytes
         return qmz::kFail;
     }
     struct statvfs info {};
-    if (::statvfs(QFile::encodeName(ExistingFolderOf(path)).constData(), &info) != 0) {
+    if (::statvfs(QFile::encodeName(MountTable::ExistingAncestor(path)).constData(), &info) != 0) {
         return qmz::MakeResult(0xE0FF000B);
     }
     *pFreeBytes = static_cast<uint64_t>(info.f_bavail) * info.f_frsize;
@@ -731,13 +729,13 @@ qmz::Result CImageReader::GetFreeBytes(const QString& path, uint64_t* pFreeBytes
 }
 
 int CImageReader::FileSystemCanHold(const QString& folder, uint64_t ullSize) {
-    struct stat st {};
-    const uint64_t device =
-        ::stat(QFile::encodeName(ExistingFolderOf(folder)).constData(), &st) == 0 ? st.st_dev : 0;
-    if (folder != m_strCapacityFolder || device != m_capacityDevice || device == 0) {
+    // The files of one folder come one after another; a folder's answer is kept for a moment,
+    // long enough to serve them all, too short for a volume to be swapped under it meanwhile.
+    const auto now = std::chrono::steady_clock::now();
+    if (folder != m_strCapacityFolder || now - m_capacityTime > kCapacityLifetime) {
         m_capacity = MountTable(m_mountTablePath).CapacityOf(folder);
         m_strCapacityFolder = folder;
-        m_capacityDevice = device;
+        m_capacityTime = now;
     }
     return MountTable::CanHold(m_capacity, ullSize) ? 1 : 0;
 }
@@ -745,4 +743,35 @@ int CImageReader::FileSystemCanHold(const QString& folder, uint64_t ullSize) {
 void CImageReader::SetMountTable(const QString& tablePath) {
     m_mountTablePath = tablePath;
     m_strCapacityFolder.clear();
+}
+
+qmz::Result CImageReader::StreamFile(const QString& source, ImageReadSink pfnSink, void* pContext) {
+    if (m_pFileSystem == nullptr) {
+        return qmz::kUnexpected;
+    }
+    uint64_t ullSize = 0;
+    qmz::Result hr = m_pFileSystem->OpenFile(Utf16(source), &ullSize);
+    if (hr < 0) {
+        return hr;
+    }
+    m_bStop = 0;
+    std::array<uint8_t, kChunkBytes> buffer{};
+    uint64_t ullDone = 0;
+    while (ullDone < ullSize && hr >= 0) {
+        const auto nWant =
+            static_cast<uint32_t>(std::min<uint64_t>(kChunkBytes, ullSize - ullDone));
+        uint32_t nRead = 0;
+        hr = m_pFileSystem->ReadFile(buffer.data(), nWant, &nRead, 0);
+        nRead = std::min(nRead, nWant);
+        if (hr >= 0 && (nRead == 0 || !pfnSink(buffer.data(), nRead, pContext))) {
+            hr = nRead == 0 ? qmz::kEngineReadFailed : qmz::kFail;
+        }
+        ullDone += nRead;
+        Pump();
+        if (m_bStop != 0) {
+            hr = qmz::kStopped;
+        }
+    }
+    m_pFileSystem->CloseFile();
+    return hr;
 }

@@ -13,6 +13,7 @@
 
 #include <QString>
 #include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <cstdio>
 #include <deque>
@@ -39,6 +40,8 @@ enum : int32_t { PROGRESS_OPEN = 5000, PROGRESS_COPY = 5001 };
 
 // Payloads are null-terminated paths that live only during the call.
 using ImageReaderCallback = void (*)(uint32_t code, const char16_t* pPayload, void* pContext);
+// Takes the pieces of a file that StreamFile reads; false ends the read.
+using ImageReadSink = bool (*)(const uint8_t* pData, uint32_t nLength, void* pContext);
 // Lets the front end's events run during long work: a window processes its messages, a
 // terminal program notices Ctrl+C. A stop request arrives through SetStop.
 using ImageReaderPump = void (*)(void* pContext);
@@ -85,6 +88,9 @@ public:
     // The table of mounts that FileSystemCanHold reads; tests give one of their own.
     void SetMountTable(const QString& tablePath);
     static void WriterThreadProc(CImageReader* pReader);
+    // Reads a file of the image from start to end into a sink of the caller's (standard output,
+    // say), where a target file is not wanted. kFail if the sink gave up.
+    qmz::Result StreamFile(const QString& source, ImageReadSink pfnSink, void* pContext);
 
     // The engine's word on which file system it read (the first field of fsInfo).
     uint32_t GetFileSystemKind() const { return m_uFileSystemKind; }
@@ -135,10 +141,9 @@ private:
     std::thread m_hWriterThread;
     QString m_strDstFile;
     QString m_mountTablePath;
-    // The last target folder that FileSystemCanHold was asked about, with its device and answer:
-    // a folder's file system can't change while it stays on one device.
+    // The last target folder that FileSystemCanHold was asked about, with its answer.
     QString m_strCapacityFolder;
-    uint64_t m_capacityDevice = 0;
+    std::chrono::steady_clock::time_point m_capacityTime;
     MountTable::Capacity m_capacity = MountTable::Capacity::None;
     ImageReaderCallback m_pfnCallback = nullptr;
     void* m_pCallbackContext = nullptr;

@@ -53,13 +53,21 @@ public:
     // Ends the writer's wait for a next file, for good.
     void Shutdown();
 
+    static constexpr size_t kWriterBatchBytes = size_t{1} << 20;
+
 private:
+    bool WriterHasWork() const;
+    // Unlocks, then wakes the writer if it sleeps and has work.
+    void WakeWriter(std::unique_lock<std::mutex>& lock);
+
     std::mutex m_mutex;
     std::condition_variable m_writerWake;
     std::condition_variable m_readerWake;
     std::deque<ImageChunk> m_chunks;
     size_t m_nBytes = 0;
     const size_t m_nMaxBytes;
+    const size_t m_nWakeBytes;
+    const size_t m_nRefillBytes;
     std::string m_targetPath;
     uint64_t m_nFileSerial = 0;
     uint64_t m_nTakenSerial = 0;
@@ -68,4 +76,5 @@ private:
     bool m_bShutdown = false;
     bool m_bWriterWaiting = false;
     bool m_bReaderWaiting = false;
+    bool m_bReaderWantsRoom = false;
 };

@@ -58,15 +58,11 @@ bool IsUnder(const QString& path, const QString& mountPoint) {
 // The path with its links resolved as far as it exists; the part that doesn't exist yet is
 // kept as written.
 QString ResolvedPath(const QString& path) {
-    QString probe = QDir::cleanPath(QFileInfo(path).absoluteFilePath());
-    QString rest;
-    while (!QFileInfo::exists(probe) && probe != u"/") {
-        const QFileInfo info(probe);
-        rest = u'/' + info.fileName() + rest;
-        probe = info.path();
-    }
-    const QString resolved = QFileInfo(probe).canonicalFilePath();
-    return QDir::cleanPath((resolved.isEmpty() ? probe : resolved) + rest);
+    const QString cleaned = QDir::cleanPath(QFileInfo(path).absoluteFilePath());
+    const QString existing = MountTable::ExistingAncestor(cleaned);
+    const QString resolved = QFileInfo(existing).canonicalFilePath();
+    return QDir::cleanPath((resolved.isEmpty() ? existing : resolved) +
+                           cleaned.mid(existing.size()));
 }
 
 template <size_t N> bool IsOneOf(const QString& type, const std::array<const char16_t*, N>& types) {
@@ -75,6 +71,14 @@ template <size_t N> bool IsOneOf(const QString& type, const std::array<const cha
 }
 
 } // namespace
+
+QString MountTable::ExistingAncestor(const QString& path) {
+    QString probe = QDir::cleanPath(QFileInfo(path).absoluteFilePath());
+    while (!QFileInfo::exists(probe) && probe != u"/") {
+        probe = QFileInfo(probe).path();
+    }
+    return probe;
+}
 
 QString MountTable::SystemTablePath() {
     return QStringLiteral("/proc/self/mountinfo");

@@ -26,6 +26,8 @@ public:
     static constexpr int kDriveOptical = 5;
 
     static QString SystemTablePath();
+    // The path itself if it exists, else its nearest existing folder.
+    static QString ExistingAncestor(const QString& path);
     explicit MountTable(const QString& tablePath = SystemTablePath());
 
     // The mount that holds path: the deepest mount point above it, the last one mounted there
