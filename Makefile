@@ -11,7 +11,7 @@ JOBS       ?= 2
 LOCK       := flock /tmp/ovrin-build.lock
 CMAKE_GEN  := -G Ninja -DCMAKE_CXX_COMPILER_LAUNCHER=ccache -DCMAKE_C_COMPILER_LAUNCHER=ccache
 
-.PHONY: all deps configure build run test test-plain test-asan fuzz-long bench format clean
+.PHONY: all deps configure build run test test-plain test-asan fuzz-long bench bench-extract format clean
 
 all: build
 
@@ -47,8 +47,13 @@ fuzz-long: build
 	fuzz/run-fuzz.sh $(BUILD)/fuzz/qmz_fuzzer $(FUZZ_SECONDS) $(BUILD)/fuzz-work \
 		$(BUILD)/bin/ovrin-sector-image
 
+# The benchmarks run one after the other, never alongside each other or the tests.
 bench: build
 	bench/list-bench.sh $(BUILD)/bin/ovrin-cli
+	bench/extract-bench.sh $(BUILD)/bin/ovrin-cli
+
+bench-extract: build
+	bench/extract-bench.sh $(BUILD)/bin/ovrin-cli
 
 format:
 	git ls-files '*.cpp' '*.h' | xargs clang-format -i
