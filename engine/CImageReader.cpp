@@ -20,6 +20,7 @@
 #include <new>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
+#include <sys/uio.h>
 #include <unistd.h>
 
 namespace {
@@ -66,6 +67,33 @@ uint64_t TicksOf(const qmz::FileTime& ft) {
 
 qmz::FileTime FileTimeOf(uint64_t ticks) {
     return {static_cast<uint32_t>(ticks), static_cast<uint32_t>(ticks >> 32)};
+}
+
+// Writes all the parts, going on after a partial write; returns the bytes written, fewer than
+// asked for when the system refused the rest.
+size_t WriteAll(int fd, iovec* pParts, size_t nParts) {
+    size_t nTotal = 0;
+    while (nParts > 0) {
+        const ssize_t n = ::writev(fd, pParts, static_cast<int>(nParts));
+        if (n < 0 && errno == EINTR) {
+            continue;
+        }
+        if (n <= 0) {
+            break;
+        }
+        nTotal += static_cast<size_t>(n);
+        auto nLeft = static_cast<size_t>(n);
+        while (nParts > 0 && nLeft >= pParts->iov_len) {
+            nLeft -= pParts->iov_len;
+            ++pParts;
+            --nParts;
+        }
+        if (nParts > 0) {
+            pParts->iov_base = static_cast<uint8_t*>(pParts->iov_base) + nLeft;
+            pParts->iov_len -= nLeft;
+        }
+    }
+    return nTotal;
 }
 
 const char16_t* Utf16(const QString& text) {
@@ -599,17 +627,19 @@ void CImageReader::WriteTargetFile(const std::string& path) {
         (errno == EACCES ? m_bAccessDenied : m_bWriteFailed) = 1;
         return;
     }
-    // Chunks are large enough to go to the system as they are; a stream buffer would only cost
-    // a status query per file.
+    // The chunks go to the system directly, several in one call; a stream buffer would only
+    // copy them once more and cost a status query per file.
     std::setvbuf(pFile, nullptr, _IONBF, 0);
     // Every chunk is counted and its write checked, the last ones of a file too: the reading
     // side may finish long before the writer, and a short write there must not go unnoticed.
-    ImageChunk chunk;
-    while (m_bStop == 0 && m_bWriteFailed == 0 && m_oBuffers.Take(chunk)) {
-        if (chunk.pData != nullptr) {
-            WriteChunk(pFile, chunk);
+    std::array<ImageChunk, kWriteBatchChunks> batch;
+    size_t nTaken = 0;
+    while (m_bStop == 0 && m_bWriteFailed == 0 &&
+           (nTaken = m_oBuffers.Take(batch.data(), batch.size())) > 0) {
+        WriteChunks(fileno(pFile), batch.data(), nTaken);
+        for (size_t i = 0; i < nTaken; ++i) {
+            FreeChunk(batch[i]);
         }
-        FreeChunk(chunk);
     }
     // Closing can be where a disk reports that it could not keep the data.
     if (std::fclose(pFile) != 0 && m_bStop == 0) {
@@ -620,15 +650,24 @@ void CImageReader::WriteTargetFile(const std::string& path) {
     }
 }
 
-void CImageReader::WriteChunk(std::FILE* pFile, const ImageChunk& chunk) {
-    const size_t nWritten = std::fwrite(chunk.pData, 1, chunk.nLength, pFile);
+void CImageReader::WriteChunks(int fd, const ImageChunk* pChunks, size_t nChunks) {
+    std::array<iovec, kWriteBatchChunks> parts{};
+    size_t nParts = 0;
+    size_t nWanted = 0;
+    for (size_t i = 0; i < nChunks; ++i) {
+        if (pChunks[i].pData != nullptr && pChunks[i].nLength != 0) {
+            parts[nParts++] = {pChunks[i].pData, pChunks[i].nLength};
+            nWanted += pChunks[i].nLength;
+        }
+    }
+    const size_t nWritten = WriteAll(fd, parts.data(), nParts);
     const uint64_t ullDone = m_ullDoneBytes += nWritten;
     const uint64_t ullTotal = m_ullTotalBytes;
     // A job whose total was never set has no percent value to show.
     if (ullTotal != 0) {
         m_nCopyPercent = static_cast<int32_t>(ullDone * 100 / ullTotal);
     }
-    if (nWritten < chunk.nLength) {
+    if (nWritten < nWanted) {
         m_bWriteFailed = 1;
     }
 }

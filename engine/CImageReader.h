@@ -118,7 +118,9 @@ private:
                             const QString& dstRoot, qmz::file_attr& attr,
                             std::deque<QString>& paths);
     void WriteTargetFile(const std::string& path);
-    void WriteChunk(std::FILE* pFile, const ImageChunk& chunk);
+    // Chunks written with one call: a megabyte, where one call a chunk would cost 32 calls.
+    static constexpr size_t kWriteBatchChunks = 32;
+    void WriteChunks(int fd, const ImageChunk* pChunks, size_t nChunks);
 
     CEngineModule* m_pModule = nullptr;
     qmz::IQmzEngine* m_pEngine = nullptr;

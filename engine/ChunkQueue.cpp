@@ -89,26 +89,26 @@ bool ChunkQueue::WaitForFile(std::string& targetPath) {
     return true;
 }
 
-bool ChunkQueue::Take(ImageChunk& chunk) {
+size_t ChunkQueue::Take(ImageChunk* pChunks, size_t nMax) {
     std::unique_lock lock(m_mutex);
     if (m_chunks.empty() && m_bReading) {
         m_bWriterWaiting = true;
         m_writerWake.wait(lock, [this] { return WriterHasWork(); });
         m_bWriterWaiting = false;
     }
-    if (m_chunks.empty()) {
-        return false;
+    size_t nTaken = 0;
+    while (nTaken < nMax && !m_chunks.empty()) {
+        pChunks[nTaken] = m_chunks.front();
+        m_chunks.pop_front();
+        m_nBytes -= pChunks[nTaken++].nLength;
     }
-    chunk = m_chunks.front();
-    m_chunks.pop_front();
-    m_nBytes -= chunk.nLength;
     // A reader that waits for room is woken once a few chunks fit, not for every one.
     const bool bWake = m_bReaderWantsRoom && m_nBytes + m_nRefillBytes <= m_nMaxBytes;
     lock.unlock();
     if (bWake) {
         m_readerWake.notify_all();
     }
-    return true;
+    return nTaken;
 }
 
 void ChunkQueue::MarkFileDone() {

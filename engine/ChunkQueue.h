@@ -43,9 +43,9 @@ public:
 
     // Writer side. Waits for the next file; false when the queue is shutting down.
     bool WaitForFile(std::string& targetPath);
-    // Takes the oldest chunk, waiting while the list is empty and reading is under way. False
-    // when the list is empty and reading has ended.
-    bool Take(ImageChunk& chunk);
+    // Takes up to nMax of the oldest chunks, waiting while the list is empty and reading is
+    // under way. 0 when the list is empty and reading has ended.
+    size_t Take(ImageChunk* pChunks, size_t nMax);
     // The writer is through with the current file, written or given up; a reader that waits for
     // room goes on at once.
     void MarkFileDone();

@@ -28,7 +28,7 @@ TEST(ChunkQueueTest, AFullListMakesTheReaderWaitUntilTheWriterTakes) {
     EXPECT_EQ(path, "target");
     std::thread writer([&queue] {
         ImageChunk taken;
-        ASSERT_TRUE(queue.Take(taken));
+        ASSERT_EQ(queue.Take(&taken, 1), 1u);
         EXPECT_EQ(taken.nLength, 60u) << "oldest first";
         FreeChunk(taken);
     });
@@ -41,11 +41,14 @@ TEST(ChunkQueueTest, TheWriterEmptiesTheListAfterReadingEnds) {
     ChunkQueue queue(1 << 20);
     queue.BeginFile("target");
     ASSERT_TRUE(queue.Append(Chunk(10), milliseconds(0)));
+    ASSERT_TRUE(queue.Append(Chunk(20), milliseconds(0)));
     queue.EndReading();
-    ImageChunk taken;
-    ASSERT_TRUE(queue.Take(taken));
-    FreeChunk(taken);
-    EXPECT_FALSE(queue.Take(taken)) << "nothing left, reading over";
+    ImageChunk taken[4];
+    ASSERT_EQ(queue.Take(taken, 4), 2u) << "all there is, in one batch";
+    EXPECT_EQ(taken[1].nLength, 20u);
+    FreeChunk(taken[0]);
+    FreeChunk(taken[1]);
+    EXPECT_EQ(queue.Take(taken, 4), 0u) << "nothing left, reading over";
     EXPECT_FALSE(queue.WaitFileDone(milliseconds(0)));
     queue.MarkFileDone();
     EXPECT_TRUE(queue.WaitFileDone(milliseconds(0)));
