@@ -74,10 +74,6 @@ QString EngineSource(const COvDataItem& item) {
     return (item.m_strPath + item.m_strDisplayName).mid(1);
 }
 
-bool IsPlainName(const QString& name) {
-    return !name.isEmpty() && name != u"." && name != u".." && !name.contains(u'/');
-}
-
 // The items to extract: the named ones, or everything at the top of the image.
 bool SelectItems(const COvDataItem& root, const ExtractOptions& options,
                  std::vector<const COvDataItem*>& items) {
@@ -187,7 +183,7 @@ void OnNotice(uint32_t code, const char16_t* pPayload, void* pContext) {
 
 qmz::Result ExtractItem(CImageReader& reader, const COvDataItem& item, const QString& targetBase,
                         bool bSkip) {
-    if (!IsPlainName(item.m_strDisplayName)) {
+    if (!CImageReader::IsWritableName(item.m_strDisplayName)) {
         PrintError(QStringLiteral("\"%1\" cannot be written: its name is not usable on this disk.")
                        .arg(item.m_strDisplayName));
         return qmz::kFail;
@@ -218,7 +214,8 @@ std::vector<bool> PrepareTargets(const std::vector<const COvDataItem*>& items,
                        TargetExists(targetBase + pItem->m_strDisplayName));
     }
     for (size_t i = 0; i < items.size(); ++i) {
-        if (!skip[i] && items[i]->IsFolder() && IsPlainName(items[i]->m_strDisplayName)) {
+        if (!skip[i] && items[i]->IsFolder() &&
+            CImageReader::IsWritableName(items[i]->m_strDisplayName)) {
             QDir().mkdir(targetBase + items[i]->m_strDisplayName);
         }
     }
@@ -226,12 +223,9 @@ std::vector<bool> PrepareTargets(const std::vector<const COvDataItem*>& items,
 }
 
 qmz::Result RunJob(CImageReader& reader, const std::vector<const COvDataItem*>& items,
-                   const QString& targetBase, Existing existing, JobState& state) {
+                   uint64_t ullTotal, const QString& targetBase, Existing existing,
+                   JobState& state) {
     reader.SetCallback(OnNotice, &state);
-    uint64_t ullTotal = 0;
-    for (const COvDataItem* pItem : items) {
-        ullTotal += pItem->m_ullSize;
-    }
     reader.SetTotalBytes(ullTotal);
     reader.SetStop(0);
     const std::vector<bool> skip = PrepareTargets(items, targetBase, existing);
@@ -280,7 +274,7 @@ int RunExtract(const QStringList& args) {
     CliFrontEnd frontEnd(reader);
     JobState state;
     state.pFrontEnd = &frontEnd;
-    const qmz::Result hr = RunJob(reader, items, targetBase, options.existing, state);
+    const qmz::Result hr = RunJob(reader, items, ullTotal, targetBase, options.existing, state);
     frontEnd.EndProgress();
     if (hr == qmz::kStopped) {
         PrintError(QStringLiteral("Stopped. The file that was being written has been removed."));

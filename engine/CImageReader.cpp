@@ -100,11 +100,6 @@ const char16_t* Utf16(const QString& text) {
     return reinterpret_cast<const char16_t*>(text.utf16());
 }
 
-// An entry name that could lead a target path out of its folder is never written.
-bool IsPlainName(QStringView name) {
-    return !name.isEmpty() && name != u"." && name != u".." && !name.contains(u'/');
-}
-
 } // namespace
 
 // The walk's queues and its one entry record, reused for every entry.
@@ -724,7 +719,7 @@ qmz::Result CImageReader::CopyListing(const QString& folderPath, const QString& 
         const QString name = NameOf(attr).toString();
         // The root has no name of its own to build targets from, and a name that isn't a plain
         // path component could lead outside the target folder: neither is written.
-        if (folderPath.isEmpty() || !IsPlainName(name)) {
+        if (folderPath.isEmpty() || !IsWritableName(name)) {
             hr = m_pFileSystem->FindNext(&attr);
             continue;
         }
@@ -743,6 +738,10 @@ qmz::Result CImageReader::CopyListing(const QString& folderPath, const QString& 
         hr = m_pFileSystem->FindNext(&attr);
     }
     return hr;
+}
+
+bool CImageReader::IsWritableName(QStringView name) {
+    return !name.isEmpty() && name != u"." && name != u".." && !name.contains(u'/');
 }
 
 int CImageReader::CheckDiskRoom(const QString& path, uint64_t ullBytes) {

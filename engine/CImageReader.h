@@ -79,6 +79,9 @@ public:
     qmz::Result CopyFile(const QString& source, const QString& target, const qmz::FileTime* pTime);
     // Copies the folder and all below it into targetBase, which ends in a separator.
     qmz::Result CopyFolder(const QString& source, const QString& targetBase);
+    // Whether a name of the image can be a path component on the disk: one that could lead a
+    // target path out of its folder is never written.
+    static bool IsWritableName(QStringView name);
     // 1 if the bytes fit on the volume of path with one percent to spare, else 0.
     static int CheckDiskRoom(const QString& path, uint64_t ullBytes);
     static bool FitsInFreeBytes(uint64_t ullBytes, uint64_t ullFreeBytes);
