@@ -477,25 +477,69 @@ qmz::Result CImageReader::CopyFile(const QString& source, const QString& target,
         return qmz::kUnexpected;
     }
     m_bCopying = 1;
-    m_strDstFile = target;
-    m_bWriteFailed = 0;
-    m_bAccessDenied = 0;
-    uint64_t ullSize = 0;
-    qmz::Result hr = m_pFileSystem->OpenFile(Utf16(source), &ullSize);
-    const bool bOpened = hr >= 0;
-    if (bOpened) {
-        hr = TransferFile(source, ullSize, hr);
-        m_pFileSystem->CloseFile();
-    }
-    FinishTarget(hr, pTime);
-    m_oBuffers.FreeAll();
+    StartJob();
+    const qmz::Result hr = FinishJob(CopyJobFile(source, target, pTime));
     m_bCopying = 0;
     return hr;
 }
 
-// Reads an open file into the writer's list and waits for the writer. Returns hr, or what
-// failed; a read's own code takes hr's place.
-qmz::Result CImageReader::TransferFile(const QString& source, uint64_t ullSize, qmz::Result hr) {
+void CImageReader::StartJob() {
+    m_bWriteFailed = 0;
+    m_bAccessDenied = 0;
+    m_strUnfinishedTarget.clear();
+    m_oBuffers.StartJob();
+}
+
+// Waits until the writer is through with every file of the job, then reports what it gave up
+// on and removes the target that the reading side left unfinished.
+qmz::Result CImageReader::FinishJob(qmz::Result hr) {
+    WaitForWriter();
+    if (WriterGaveUp()) {
+        hr = qmz::kFail;
+        Notify(m_bWriteFailed != 0 ? NOTIFY_WRITE_FAILED : NOTIFY_ACCESS_DENIED,
+               QFile::decodeName(QByteArray::fromStdString(m_oBuffers.FailedPath())),
+               kLongPayloadChars);
+    }
+    // A stop that came after the writer had finished every file leaves the job whole.
+    if (m_bStop != 0 && (hr == qmz::kStopped || m_oBuffers.IsAbandoned())) {
+        hr = qmz::kStopped;
+    }
+    if (!m_strUnfinishedTarget.isEmpty()) {
+        ::unlink(QFile::encodeName(m_strUnfinishedTarget).constData());
+        m_strUnfinishedTarget.clear();
+    }
+    return hr;
+}
+
+bool CImageReader::WriterGaveUp() const {
+    return m_bWriteFailed != 0 || m_bAccessDenied != 0;
+}
+
+// Hands one file to the writer, which may still be busy with the ones before it. A target that
+// the writer gave up on is its own to remove; one that the reading side could not finish, or
+// that a stop came to, is removed at the end of the job, even when it existed before.
+qmz::Result CImageReader::CopyJobFile(const QString& source, const QString& target,
+                                      const qmz::FileTime* pTime) {
+    m_strDstFile = target;
+    if (WriterGaveUp()) {
+        return qmz::kFail;
+    }
+    uint64_t ullSize = 0;
+    qmz::Result hr = m_pFileSystem->OpenFile(Utf16(source), &ullSize);
+    if (hr >= 0) {
+        hr = TransferFile(source, ullSize, pTime, hr);
+        m_pFileSystem->CloseFile();
+    }
+    if (hr < 0 && !WriterGaveUp()) {
+        m_strUnfinishedTarget = target;
+    }
+    return hr;
+}
+
+// Reads an open file into the writer's list. Returns hr, or what failed; a read's own code
+// takes hr's place.
+qmz::Result CImageReader::TransferFile(const QString& source, uint64_t ullSize,
+                                       const qmz::FileTime* pTime, qmz::Result hr) {
     // The highest offset to read; 0 also means nothing to read, so a file of one byte is
     // created empty, like one of none.
     const uint64_t ullLast = ullSize == 0 ? 0 : ullSize - 1;
@@ -505,20 +549,25 @@ qmz::Result CImageReader::TransferFile(const QString& source, uint64_t ullSize, 
         return qmz::kFail;
     }
     m_bStop = 0;
-    m_oBuffers.FreeAll();
     Notify(NOTIFY_COPY_BEGIN, source, kShortPayloadChars);
     StartWriter();
-    m_oBuffers.BeginFile(QFile::encodeName(m_strDstFile).toStdString());
+    TargetFile file{QFile::encodeName(m_strDstFile).toStdString()};
+    if (pTime != nullptr) {
+        const filetime::UnixTime t = filetime::ToUnix(TicksOf(*pTime));
+        file.bHasTime = true;
+        file.modified = {static_cast<time_t>(t.seconds), static_cast<long>(t.nanoseconds)};
+    }
+    while (!m_oBuffers.BeginFile(file, kAppendWait)) {
+        Pump();
+        if (m_bStop != 0) {
+            return qmz::kStopped;
+        }
+        if (m_oBuffers.IsAbandoned()) {
+            return qmz::kFail;
+        }
+    }
     hr = ReadChunks(ullLast, hr);
-    WaitForWriter();
-    if (m_bWriteFailed != 0 || m_bAccessDenied != 0) {
-        hr = qmz::kFail;
-        Notify(m_bWriteFailed != 0 ? NOTIFY_WRITE_FAILED : NOTIFY_ACCESS_DENIED, m_strDstFile,
-               kLongPayloadChars);
-    }
-    if (m_bStop != 0) {
-        hr = qmz::kStopped;
-    }
+    m_oBuffers.EndFile();
     return hr;
 }
 
@@ -529,7 +578,7 @@ qmz::Result CImageReader::ReadChunks(uint64_t ullLast, qmz::Result hr) {
         if (m_bStop != 0) {
             return qmz::kStopped;
         }
-        if (m_bWriteFailed != 0 || m_bAccessDenied != 0) {
+        if (WriterGaveUp()) {
             return qmz::kFail;
         }
         if (ullDone > ullLast || ullLast == 0) {
@@ -566,7 +615,7 @@ qmz::Result CImageReader::ReadChunks(uint64_t ullLast, qmz::Result hr) {
 qmz::Result CImageReader::AppendChunk(const ImageChunk& chunk) {
     while (!m_oBuffers.Append(chunk, kAppendWait)) {
         Pump();
-        if (m_bStop != 0 || m_bWriteFailed != 0 || m_bAccessDenied != 0) {
+        if (m_bStop != 0 || m_oBuffers.IsAbandoned()) {
             return qmz::kFail;
         }
     }
@@ -580,46 +629,35 @@ void CImageReader::StartWriter() {
 }
 
 void CImageReader::WaitForWriter() {
-    m_oBuffers.EndReading();
-    while (!m_oBuffers.WaitFileDone(kWriterWait)) {
+    while (!m_oBuffers.Drain(kWriterWait)) {
         Pump();
     }
 }
 
-// Removes a failed target; gives a finished one the image's modification time. The creation
-// and access times and the permissions stay as the system made them.
-void CImageReader::FinishTarget(qmz::Result hr, const qmz::FileTime* pTime) {
-    const QByteArray path = QFile::encodeName(m_strDstFile);
-    if (hr < 0) {
-        ::unlink(path.constData());
-        return;
-    }
-    if (pTime == nullptr) {
-        return;
-    }
-    const filetime::UnixTime t = filetime::ToUnix(TicksOf(*pTime));
-    const timespec times[2] = {{0, UTIME_OMIT},
-                               {static_cast<time_t>(t.seconds), static_cast<long>(t.nanoseconds)}};
-    ::utimensat(AT_FDCWD, path.constData(), times, 0);
-}
-
-// The writer lives across the files of a job: it writes each file that the reading side hands
-// over, and sleeps in between.
+// The writer lives across the files of a job: it writes the files that the reading side hands
+// over, in order, and sleeps while there is nothing worth writing.
 void CImageReader::WriterThreadProc(CImageReader* pReader) {
     if (pReader == nullptr) {
         return;
     }
-    std::string path;
-    while (pReader->m_oBuffers.WaitForFile(path)) {
-        pReader->WriteTargetFile(path);
-        pReader->m_oBuffers.MarkFileDone();
+    TargetFile file;
+    while (pReader->m_oBuffers.NextFile(file)) {
+        pReader->WriteTargetFile(file);
     }
 }
 
-void CImageReader::WriteTargetFile(const std::string& path) {
-    std::FILE* pFile = std::fopen(path.c_str(), "wb");
+// Writes one file and gives it the image's modification time; the creation and access times
+// and the permissions stay as the system made them. A failure or a stop removes the file and
+// ends the job's writing.
+void CImageReader::WriteTargetFile(const TargetFile& file) {
+    if (m_bStop != 0) {
+        m_oBuffers.Abandon({});
+        return;
+    }
+    std::FILE* pFile = std::fopen(file.path.c_str(), "wb");
     if (pFile == nullptr) {
         (errno == EACCES ? m_bAccessDenied : m_bWriteFailed) = 1;
+        m_oBuffers.Abandon(file.path);
         return;
     }
     // The chunks go to the system directly, several in one call; a stream buffer would only
@@ -636,13 +674,20 @@ void CImageReader::WriteTargetFile(const std::string& path) {
             FreeChunk(batch[i]);
         }
     }
+    if (file.bHasTime && m_bStop == 0 && m_bWriteFailed == 0) {
+        const timespec times[2] = {{0, UTIME_OMIT}, file.modified};
+        ::futimens(fileno(pFile), times);
+    }
     // Closing can be where a disk reports that it could not keep the data.
     if (std::fclose(pFile) != 0 && m_bStop == 0) {
         m_bWriteFailed = 1;
     }
-    if (m_bStop != 0) {
-        ::unlink(path.c_str());
+    if (m_bStop != 0 || m_bWriteFailed != 0) {
+        ::unlink(file.path.c_str());
+        m_oBuffers.Abandon(m_bStop != 0 ? std::string() : file.path);
+        return;
     }
+    m_oBuffers.FinishFile();
 }
 
 void CImageReader::WriteChunks(int fd, const ImageChunk* pChunks, size_t nChunks) {
@@ -671,6 +716,15 @@ qmz::Result CImageReader::CopyFolder(const QString& source, const QString& targe
     if (m_pReader == nullptr || m_pFileSystem == nullptr) {
         return qmz::kFail;
     }
+    m_bCopying = 1;
+    StartJob();
+    const qmz::Result hr = FinishJob(CopyFolderTree(source, targetBase));
+    m_bCopying = 0;
+    return hr;
+}
+
+// The files of the folder go to the writer one after the other; FinishJob waits for the last.
+qmz::Result CImageReader::CopyFolderTree(const QString& source, const QString& targetBase) {
     QDir().mkdir(targetBase);
     const QString dstRoot = targetBase + source.mid(source.lastIndexOf(u'\\') + 1);
     QDir().mkdir(dstRoot);
@@ -730,7 +784,7 @@ qmz::Result CImageReader::CopyListing(const QString& folderPath, const QString& 
             paths.push_back(srcName);
         } else {
             const qmz::FileTime utc = FileTimeOf(filetime::LocalToUtc(TicksOf(attr.ftLocalTime)));
-            hr = CopyFile(srcName, dstName, &utc);
+            hr = CopyJobFile(srcName, dstName, &utc);
             if (hr < 0) {
                 break;
             }

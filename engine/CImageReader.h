@@ -111,16 +111,22 @@ private:
     void Notify(uint32_t code, const QString& payload, size_t payloadChars);
     void Pump();
     void PumpPaced(struct WalkState& state);
-    qmz::Result TransferFile(const QString& source, uint64_t ullSize, qmz::Result hr);
+    void StartJob();
+    qmz::Result FinishJob(qmz::Result hr);
+    bool WriterGaveUp() const;
+    qmz::Result CopyJobFile(const QString& source, const QString& target,
+                            const qmz::FileTime* pTime);
+    qmz::Result TransferFile(const QString& source, uint64_t ullSize, const qmz::FileTime* pTime,
+                             qmz::Result hr);
     qmz::Result ReadChunks(uint64_t ullLast, qmz::Result hr);
     qmz::Result AppendChunk(const ImageChunk& chunk);
     void WaitForWriter();
     void StartWriter();
-    void FinishTarget(qmz::Result hr, const qmz::FileTime* pTime);
+    qmz::Result CopyFolderTree(const QString& source, const QString& targetBase);
     qmz::Result CopyListing(const QString& folderPath, const QString& source,
                             const QString& dstRoot, qmz::file_attr& attr,
                             std::deque<QString>& paths);
-    void WriteTargetFile(const std::string& path);
+    void WriteTargetFile(const TargetFile& file);
     // Chunks written with one call: a megabyte, where one call a chunk would cost 32 calls.
     static constexpr size_t kWriteBatchChunks = 32;
     void WriteChunks(int fd, const ImageChunk* pChunks, size_t nChunks);
@@ -145,6 +151,8 @@ private:
     ChunkQueue m_oBuffers;
     std::thread m_hWriterThread;
     QString m_strDstFile;
+    // The target that the reading side could not finish, removed when the job ends.
+    QString m_strUnfinishedTarget;
     QString m_mountTablePath;
     // The last target folder that FileSystemCanHold was asked about, with its answer.
     QString m_strCapacityFolder;

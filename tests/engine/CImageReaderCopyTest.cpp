@@ -247,6 +247,47 @@ TEST_F(ImageReaderCopyTest, WriteFailuresAreReportedAndTheTargetRemoved) {
     EXPECT_EQ(m_observer.notices.back().code, NOTIFY_WRITE_FAILED);
 }
 
+// Within a folder the reading side runs ahead of the writer; a file that fails must still end
+// the job there: the files before it whole, the failed one gone, the ones after it untouched.
+TEST_F(ImageReaderCopyTest, AFolderJobEndsAtTheFileThatCouldNotBeWritten) {
+    Open("d 0 F\nf 10 0 F\\a\nf 1000000 0 F\\big\nf 10 0 F\\c\nf 10 0 F\\d\n");
+    const path base = m_dir / "small";
+    testsupport::fs::create_directories(base);
+    const testsupport::SmallVolume volume(base, 64 * 1024);
+    testsupport::fs::create_directories(base / "F");
+    std::ofstream(base / "F" / "d") << "there before";
+    EXPECT_EQ(m_reader.CopyFolder(QStringLiteral("F"), Q(base) + u'/'), qmz::kFail);
+    ASSERT_FALSE(m_observer.notices.empty());
+    EXPECT_EQ(m_observer.notices.back().code, NOTIFY_WRITE_FAILED);
+    EXPECT_EQ(m_observer.notices.back().payload, Q(base / "F" / "big").toStdU16String());
+    EXPECT_EQ(testsupport::ReadWholeFile(base / "F" / "a"), Expected(u"F\\a", 10));
+    EXPECT_FALSE(testsupport::fs::exists(base / "F" / "big"));
+    EXPECT_FALSE(testsupport::fs::exists(base / "F" / "c"));
+    const std::vector<uint8_t> before{'t', 'h', 'e', 'r', 'e', ' ', 'b', 'e', 'f', 'o', 'r', 'e'};
+    EXPECT_EQ(testsupport::ReadWholeFile(base / "F" / "d"), before);
+}
+
+TEST_F(ImageReaderCopyTest, AStoppedFolderJobLeavesOnlyWholeFiles) {
+    std::string listing = "d 0 F\n";
+    for (int i = 0; i < 40; ++i) {
+        listing += "f 40000 0 F\\" + std::to_string(i) + "\n";
+    }
+    Open(listing);
+    m_observer.nStopAtPump = 30;
+    const path base = m_dir / "out";
+    EXPECT_EQ(m_reader.CopyFolder(QStringLiteral("F"), Q(base) + u'/'), qmz::kStopped);
+    int nWhole = 0;
+    for (int i = 0; i < 40; ++i) {
+        const path file = base / "F" / std::to_string(i);
+        if (testsupport::fs::exists(file)) {
+            const std::u16string image = u"F\\" + QString::number(i).toStdU16String();
+            EXPECT_EQ(testsupport::ReadWholeFile(file), Expected(image, 40000)) << i;
+            ++nWhole;
+        }
+    }
+    EXPECT_LT(nWhole, 15) << "two chunks a file: the stop came in the fifteenth";
+}
+
 TEST_F(ImageReaderCopyTest, AFileTooLargeForTheTargetsFileSystemIsRefusedBeforeReading) {
     const path fat = m_dir / "fat";
     testsupport::fs::create_directories(fat);
