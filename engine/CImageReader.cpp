@@ -657,6 +657,9 @@ void CImageReader::WriteTargetFile(const TargetFile& file) {
     std::FILE* pFile = std::fopen(file.path.c_str(), "wb");
     if (pFile == nullptr) {
         (errno == EACCES ? m_bAccessDenied : m_bWriteFailed) = 1;
+        // A failed copy leaves no target, not even one that was there before and refused to
+        // be opened for writing.
+        ::unlink(file.path.c_str());
         m_oBuffers.Abandon(file.path);
         return;
     }

@@ -77,7 +77,9 @@ public:
     // Extraction. A source is a path in the engine's form; the time is a UTC FILETIME. The
     // command that runs a job sets the total bytes before it and clears the figures after it.
     qmz::Result CopyFile(const QString& source, const QString& target, const qmz::FileTime* pTime);
-    // Copies the folder and all below it into targetBase, which ends in a separator.
+    // Copies the folder and all below it into targetBase, which ends in a separator. Its files
+    // are written behind the reading; the first that can't be written ends the job, removed,
+    // and the files after it are left as they were.
     qmz::Result CopyFolder(const QString& source, const QString& targetBase);
     // Whether a name of the image can be a path component on the disk: one that could lead a
     // target path out of its folder is never written.

@@ -226,6 +226,7 @@ TEST_F(ImageReaderCopyTest, ATargetThatMayNotBeWrittenIsReportedAsAccessDenied) 
         EXPECT_EQ(m_observer.notices.back().payload, Q(target).toStdU16String());
     }
     EXPECT_FALSE(testsupport::fs::exists(folder / "x"));
+    EXPECT_FALSE(testsupport::fs::exists(existing)) << "a failed copy leaves no target";
     chmod(folder.c_str(), 0755);
 }
 
