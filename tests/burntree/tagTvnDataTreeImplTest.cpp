@@ -211,7 +211,11 @@ std::string Dump(const ITvnDataTree& tree, const ITvnTreeNode* pNode) {
         pNode->GetSource().toStdString() + "|" + pNode->GetDest().toStdString() + "|" +
         pNode->GetAltName().toStdString() + "|" + std::to_string(pNode->GetKind()) + "|" +
         std::to_string(pNode->GetUserValue()) + "|" + std::to_string(pNode->GetSize()) + "|" +
-        std::to_string(pNode->GetStartSector()) + "|" + std::to_string(stamp.auValue[3]) + "\n";
+        std::to_string(pNode->GetStartSector());
+    for (const uint32_t value : stamp.auValue) {
+        out += "|" + std::to_string(value);
+    }
+    out += "\n";
     for (const ITvnTreeNode* pChild = tree.NextChild(pNode, nullptr); pChild != nullptr;
          pChild = tree.NextChild(pNode, pChild)) {
         out += Dump(tree, pChild);
@@ -221,7 +225,7 @@ std::string Dump(const ITvnDataTree& tree, const ITvnTreeNode* pNode) {
 
 TEST(TvnDataTree, CopyTreeCarriesEveryNodeInOrder) {
     TreeWithChildren t("A B");
-    const tagTvnStamp stamp = {{1, 2, 3, 4}};
+    const tagTvnStamp stamp = {{1, 0xFFFFFFFF, 3, 4}};
     const QString alt = QStringLiteral("alt");
     t.tree.InsertNode(QStringLiteral("/src/A/deep"), nullptr, &alt, ITvnTreeNode::KindFile, 9, 5, 1,
                       77, t.nodes["A"], nullptr, &stamp);

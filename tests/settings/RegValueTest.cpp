@@ -94,11 +94,11 @@ TEST_F(RegValue, EachClassStoresItsTypeAndSizeAndStartsFromItsEmptyValue) {
         EXPECT_EQ(Raw(RegRoot::CurrentUser, kKey, u"V"_s, &type), c.bytes) << c.name;
         EXPECT_EQ(type, c.type) << c.name;
         EXPECT_TRUE(c.isEmpty(&m_registry)) << c.name;
-        // Without write-through an assignment stays local.
-        DwordReg local(RegRoot::CurrentUser, kKey, u"local"_s, false, &m_registry);
-        local = 7;
-        EXPECT_TRUE(Raw(RegRoot::CurrentUser, kKey, u"local"_s).isEmpty()) << c.name;
     }
+    // Without write-through an assignment stays local.
+    DwordReg local(RegRoot::CurrentUser, kKey, u"local"_s, false, &m_registry);
+    local = 7;
+    EXPECT_TRUE(Raw(RegRoot::CurrentUser, kKey, u"local"_s).isEmpty());
 }
 
 TEST_F(RegValue, AMachineValueIsTheUsersUntilTheUserWritesTheirOwn) {
