@@ -558,12 +558,8 @@ qmz::Result CImageReader::TransferFile(const QString& source, uint64_t ullSize,
         file.modified = {static_cast<time_t>(t.seconds), static_cast<long>(t.nanoseconds)};
     }
     while (!m_oBuffers.BeginFile(file, kAppendWait)) {
-        Pump();
-        if (m_bStop != 0) {
-            return qmz::kStopped;
-        }
-        if (m_oBuffers.IsAbandoned()) {
-            return qmz::kFail;
+        if (!KeepWaitingForRoom()) {
+            return m_bStop != 0 ? qmz::kStopped : qmz::kFail;
         }
     }
     hr = ReadChunks(ullLast, hr);
@@ -614,12 +610,18 @@ qmz::Result CImageReader::ReadChunks(uint64_t ullLast, qmz::Result hr) {
 // caller's, when the writer has given up or a stop came in the meantime.
 qmz::Result CImageReader::AppendChunk(const ImageChunk& chunk) {
     while (!m_oBuffers.Append(chunk, kAppendWait)) {
-        Pump();
-        if (m_bStop != 0 || m_oBuffers.IsAbandoned()) {
+        if (!KeepWaitingForRoom()) {
             return qmz::kFail;
         }
     }
     return qmz::kOk;
+}
+
+// The interface stays alive while the list is full; a stop or a writer that gave up ends the
+// wait.
+bool CImageReader::KeepWaitingForRoom() {
+    Pump();
+    return m_bStop == 0 && !m_oBuffers.IsAbandoned();
 }
 
 void CImageReader::StartWriter() {
@@ -659,8 +661,7 @@ void CImageReader::WriteTargetFile(const TargetFile& file) {
         (errno == EACCES ? m_bAccessDenied : m_bWriteFailed) = 1;
         // A failed copy leaves no target, not even one that was there before and refused to
         // be opened for writing.
-        ::unlink(file.path.c_str());
-        m_oBuffers.Abandon(file.path);
+        GiveUpTarget(file.path);
         return;
     }
     // The chunks go to the system directly, several in one call; a stream buffer would only
@@ -686,11 +687,16 @@ void CImageReader::WriteTargetFile(const TargetFile& file) {
         m_bWriteFailed = 1;
     }
     if (m_bStop != 0 || m_bWriteFailed != 0) {
-        ::unlink(file.path.c_str());
-        m_oBuffers.Abandon(m_bStop != 0 ? std::string() : file.path);
+        GiveUpTarget(file.path);
         return;
     }
     m_oBuffers.FinishFile();
+}
+
+// Removes the target and ends the job's writing; a stop names no target as the failed one.
+void CImageReader::GiveUpTarget(const std::string& path) {
+    ::unlink(path.c_str());
+    m_oBuffers.Abandon(m_bStop != 0 ? std::string() : path);
 }
 
 void CImageReader::WriteChunks(int fd, const ImageChunk* pChunks, size_t nChunks) {

@@ -122,6 +122,7 @@ private:
                              qmz::Result hr);
     qmz::Result ReadChunks(uint64_t ullLast, qmz::Result hr);
     qmz::Result AppendChunk(const ImageChunk& chunk);
+    bool KeepWaitingForRoom();
     void WaitForWriter();
     void StartWriter();
     qmz::Result CopyFolderTree(const QString& source, const QString& targetBase);
@@ -129,6 +130,7 @@ private:
                             const QString& dstRoot, qmz::file_attr& attr,
                             std::deque<QString>& paths);
     void WriteTargetFile(const TargetFile& file);
+    void GiveUpTarget(const std::string& path);
     // Chunks written with one call: a megabyte, where one call a chunk would cost 32 calls.
     static constexpr size_t kWriteBatchChunks = 32;
     void WriteChunks(int fd, const ImageChunk* pChunks, size_t nChunks);
