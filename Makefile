@@ -1,6 +1,7 @@
 # Two commands set everything up on a fresh machine:
-#   make run   installs what is missing, builds, and lists the bundled sample image
-#   make test  installs what is missing, builds, and runs every test (plain and sanitized)
+#   make run   installs what building and running need, builds, and lists the sample image
+#   make test  installs the test tools besides, checks the formatting, builds, and runs every
+#              test (plain and sanitized)
 #   make fuzz-long  fuzzes the engine for FUZZ_SECONDS (default half an hour)
 
 BUILD      ?= build
@@ -9,19 +10,34 @@ JOBS       ?= 2
 # Builds of several work trees on one machine take turns, so that two compilers never share
 # the two cores.
 LOCK       := flock /tmp/ovrin-build.lock
-CMAKE_GEN  := -G Ninja -DCMAKE_CXX_COMPILER_LAUNCHER=ccache -DCMAKE_C_COMPILER_LAUNCHER=ccache
+CMAKE_GEN  := -G Ninja -DOVRIN_WERROR=ON -DCMAKE_CXX_COMPILER_LAUNCHER=ccache -DCMAKE_C_COMPILER_LAUNCHER=ccache
 
-.PHONY: all deps configure build run test test-plain test-asan fuzz-long bench bench-extract format clean
+.PHONY: all deps configure build run test test-plain test-asan format-check fuzz-long bench \
+	bench-extract format clean
 
 all: build
 
+# What a command installs and whether its build holds the tests: `make run` needs neither the
+# test tools nor the tests; the test and benchmark targets switch both on for everything they
+# build first.
+DEPS    ?= run
+TESTING ?= OFF
+test test-plain test-asan format-check format fuzz-long: DEPS = test
+test test-plain test-asan fuzz-long: TESTING = ON
+bench bench-extract: DEPS = bench
+bench bench-extract: TESTING = ON
+
 deps:
-	@scripts/install-deps.sh
+	@scripts/install-deps.sh $(DEPS)
 
 $(BUILD)/build.ninja:
-	cmake -S . -B $(BUILD) $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=RelWithDebInfo
+	cmake -S . -B $(BUILD) $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DBUILD_TESTING=$(TESTING)
 
+# A build folder made by `make run` is switched to hold the tests when a test target needs them.
 configure: deps $(BUILD)/build.ninja
+	@if [ "$(TESTING)" = ON ] && ! grep -qx 'BUILD_TESTING:BOOL=ON' $(BUILD)/CMakeCache.txt; then \
+		cmake -S . -B $(BUILD) -DBUILD_TESTING=ON; \
+	fi
 
 build: configure
 	$(LOCK) cmake --build $(BUILD) -j $(JOBS)
@@ -29,17 +45,25 @@ build: configure
 run: build
 	$(BUILD)/bin/ovrin-cli list $(BUILD)/bin/sample.iso
 
+# clang-format sees the C++ sources alone: it takes any other file for C++ too, and would
+# reflow the comments and names of the CMake files.
+FORMATTED := git ls-files '*.cpp' '*.h'
+
+format-check: deps
+	$(FORMATTED) | xargs clang-format --dry-run --Werror
+
 test-plain: build
 	cd $(BUILD) && ctest --output-on-failure -j $(JOBS)
 
 $(BUILD_ASAN)/build.ninja:
-	cmake -S . -B $(BUILD_ASAN) $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=Debug -DOVRIN_SANITIZE=ON
+	cmake -S . -B $(BUILD_ASAN) $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=Debug -DOVRIN_SANITIZE=ON \
+		-DBUILD_TESTING=ON
 
 test-asan: deps $(BUILD_ASAN)/build.ninja
 	$(LOCK) cmake --build $(BUILD_ASAN) -j $(JOBS)
 	cd $(BUILD_ASAN) && ctest --output-on-failure -j $(JOBS) -LE slow
 
-test: test-plain test-asan
+test: format-check test-plain test-asan
 
 # A long fuzzing run of the engine over the corpus that the short runs of `make test` grew.
 FUZZ_SECONDS ?= 1800
@@ -55,8 +79,8 @@ bench: build
 bench-extract: build
 	bench/extract-bench.sh $(BUILD)/bin/ovrin-cli
 
-format:
-	git ls-files '*.cpp' '*.h' | xargs clang-format -i
+format: deps
+	$(FORMATTED) | xargs clang-format -i
 
 clean:
 	rm -rf $(BUILD) $(BUILD_ASAN)

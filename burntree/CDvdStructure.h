@@ -4,7 +4,7 @@
 // a table pointer past its end gives a failure code.
 #pragma once
 
-#include "contract/QmzTypes.h"
+#include "QmzTypes.h"
 
 #include <QString>
 #include <cstdint>

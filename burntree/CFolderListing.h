@@ -4,7 +4,7 @@
 // cannot go on a disc.
 #pragma once
 
-#include "contract/QmzTypes.h"
+#include "QmzTypes.h"
 
 #include <QString>
 #include <cstdint>

@@ -4,7 +4,7 @@
 #pragma once
 
 #include "ITvnTreeNode.h"
-#include "contract/QmzTypes.h"
+#include "QmzTypes.h"
 
 // Codes of the engine family's table that the tree returns.
 inline constexpr qmz::Result kTvnBadDvdFolder = qmz::MakeResult(0xE0FF0014);

@@ -3,7 +3,7 @@
 // sentences.
 #pragma once
 
-#include "contract/QmzTypes.h"
+#include "QmzTypes.h"
 
 #include <QString>
 #include <chrono>

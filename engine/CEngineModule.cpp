@@ -1,6 +1,6 @@
 #include "CEngineModule.h"
 
-#include "contract/IClassFactory.h"
+#include "IClassFactory.h"
 
 #include <QFile>
 #include <dlfcn.h>

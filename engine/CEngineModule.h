@@ -1,9 +1,9 @@
 // Loads the engine library and creates its objects through its class factory.
 #pragma once
 
-#include "contract/IQmzUnknown.h"
-#include "contract/QmzExports.h"
-#include "contract/QmzTypes.h"
+#include "IQmzUnknown.h"
+#include "QmzExports.h"
+#include "QmzTypes.h"
 
 #include <QString>
 

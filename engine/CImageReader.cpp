@@ -3,7 +3,7 @@
 #include "CEngineModule.h"
 #include "COvDataItem.h"
 #include "FileTimeConversion.h"
-#include "contract/IBwRegPath.h"
+#include "IBwRegPath.h"
 
 #include <QDir>
 #include <QFile>

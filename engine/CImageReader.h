@@ -4,12 +4,12 @@
 #pragma once
 
 #include "ChunkQueue.h"
+#include "IQmzDrive.h"
+#include "IQmzEngine.h"
+#include "IQmzFileSystem.h"
+#include "IQmzReader.h"
 #include "MountTable.h"
 #include "NamedMutex.h"
-#include "contract/IQmzDrive.h"
-#include "contract/IQmzEngine.h"
-#include "contract/IQmzFileSystem.h"
-#include "contract/IQmzReader.h"
 
 #include <QString>
 #include <atomic>

@@ -1,7 +1,7 @@
 // One node of the browsed tree of an image: the root, a folder or a file.
 #pragma once
 
-#include "contract/QmzTypes.h"
+#include "QmzTypes.h"
 
 #include <QString>
 #include <cstdint>

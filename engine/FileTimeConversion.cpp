@@ -16,11 +16,6 @@ struct OffsetSlot {
     int64_t offset = 0;
 };
 
-int64_t FloorDiv(int64_t a, int64_t b) {
-    const int64_t q = a / b;
-    return (a % b != 0 && (a < 0) != (b < 0)) ? q - 1 : q;
-}
-
 int64_t UtcOffsetAt(int64_t unixSeconds) {
     static thread_local std::array<OffsetSlot, kOffsetCacheSlots> cache;
     const int64_t bucket = FloorDiv(unixSeconds, kOffsetBucketSeconds);
@@ -78,21 +73,13 @@ uint64_t LocalToUtc(uint64_t localTicks) {
 CivilTime ToCivil(uint64_t utcTicks) {
     const int64_t seconds =
         static_cast<int64_t>(utcTicks / kTicksPerSecond) - kSecondsFrom1601To1970;
-    const int64_t days = FloorDiv(seconds, 86400);
-    const int64_t secondOfDay = seconds - days * 86400;
-    // Days to civil date, after Howard Hinnant's public-domain algorithm.
-    const int64_t z = days + 719468;
-    const int64_t era = FloorDiv(z, 146097);
-    const int64_t doe = z - era * 146097;
-    const int64_t yoe = (doe - doe / 1460 + doe / 36524 - doe / 146096) / 365;
-    const int64_t doy = doe - (365 * yoe + yoe / 4 - yoe / 100);
-    const int64_t mp = (5 * doy + 2) / 153;
-    const int64_t day = doy - (153 * mp + 2) / 5 + 1;
-    const int64_t month = mp < 10 ? mp + 3 : mp - 9;
+    const int64_t days = FloorDiv(seconds, kSecondsPerDay);
+    const int64_t secondOfDay = seconds - days * kSecondsPerDay;
+    const CivilDate date = CivilFromDays(days);
     CivilTime civil{};
-    civil.year = yoe + era * 400 + (month <= 2 ? 1 : 0);
-    civil.month = static_cast<int>(month);
-    civil.day = static_cast<int>(day);
+    civil.year = date.year;
+    civil.month = date.month;
+    civil.day = date.day;
     civil.hour = static_cast<int>(secondOfDay / 3600);
     civil.minute = static_cast<int>(secondOfDay / 60 % 60);
     civil.second = static_cast<int>(secondOfDay % 60);

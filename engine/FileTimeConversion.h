@@ -2,12 +2,11 @@
 // process's time zone rules at the instant in question.
 #pragma once
 
+#include "FileTimeMath.h"
+
 #include <cstdint>
 
 namespace filetime {
-
-inline constexpr uint64_t kTicksPerSecond = 10'000'000;
-inline constexpr int64_t kSecondsFrom1601To1970 = 11'644'473'600;
 
 // The UTC instant whose local time is the given one; 0 stays 0.
 uint64_t LocalToUtc(uint64_t localTicks);

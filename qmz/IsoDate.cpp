@@ -1,5 +1,7 @@
 #include "IsoDate.h"
 
+#include "FileTimeMath.h"
+
 #include <ctime>
 
 namespace qmz {
@@ -9,18 +11,6 @@ namespace {
 // ECMA-119 allows offsets from -12 h to +13 h.
 constexpr int kMinGmtOffset = -48;
 constexpr int kMaxGmtOffset = 52;
-constexpr int64_t kSecondsFrom1601To1970 = 11644473600;
-constexpr int64_t kTicksPerSecond = 10000000;
-
-// Days from 1970-01-01 to a proleptic Gregorian date.
-int64_t DaysFromCivil(int64_t y, int m, int d) {
-    y -= m <= 2 ? 1 : 0;
-    int64_t era = (y >= 0 ? y : y - 399) / 400;
-    int64_t yoe = y - era * 400;
-    int64_t doy = (153 * (m + (m > 2 ? -3 : 9)) + 2) / 5 + d - 1;
-    int64_t doe = yoe * 365 + yoe / 4 - yoe / 100 + doy;
-    return era * 146097 + doe - 719468;
-}
 
 int Digits(const uint8_t* p, int count) {
     int value = 0;
@@ -41,8 +31,8 @@ bool IsoDate::CivilToUtc(int64_t year, int month, int day, int hour, int minute,
         hour < 0 || minute < 0 || second < 0) {
         return false;
     }
-    *utcSeconds = DaysFromCivil(year, month, day) * 86400 + hour * 3600 + minute * 60 + second -
-                  offsetSeconds;
+    *utcSeconds = filetime::DaysFromCivil(year, month, day) * filetime::kSecondsPerDay +
+                  hour * 3600 + minute * 60 + second - offsetSeconds;
     return true;
 }
 
@@ -74,10 +64,11 @@ int64_t IsoDate::LocalOffset(int64_t utcSeconds) {
 }
 
 FileTime IsoDate::ToFileTime(int64_t seconds) {
-    if (seconds < -kSecondsFrom1601To1970) {
+    if (seconds < -filetime::kSecondsFrom1601To1970) {
         return {0, 0};
     }
-    auto ticks = static_cast<uint64_t>((seconds + kSecondsFrom1601To1970) * kTicksPerSecond);
+    auto ticks = static_cast<uint64_t>(seconds + filetime::kSecondsFrom1601To1970) *
+                 filetime::kTicksPerSecond;
     return {static_cast<uint32_t>(ticks), static_cast<uint32_t>(ticks >> 32)};
 }
 

@@ -1,5 +1,6 @@
 #include "LocalTimeCache.h"
 
+#include "FileTimeMath.h"
 #include "IsoDate.h"
 
 namespace qmz {
@@ -9,10 +10,6 @@ namespace {
 // No instant falls in this quarter: marks an empty slot.
 constexpr int64_t kNoQuarter = INT64_MIN;
 
-int64_t FloorDiv(int64_t a, int64_t b) {
-    return a / b - (a % b < 0 ? 1 : 0);
-}
-
 } // namespace
 
 void LocalTimeCache::Clear() {
@@ -20,7 +17,7 @@ void LocalTimeCache::Clear() {
 }
 
 int64_t LocalTimeCache::OffsetAt(int64_t utcSeconds) {
-    int64_t quarter = FloorDiv(utcSeconds, kQuarterSeconds);
+    int64_t quarter = filetime::FloorDiv(utcSeconds, kQuarterSeconds);
     Slot& slot = slots_[static_cast<uint64_t>(quarter) % kSlots];
     if (slot.quarter == quarter) {
         return slot.offset;

@@ -59,6 +59,8 @@ inline constexpr Result kStopped = MakeResult(0xA0000000);
 inline constexpr Result kEngineBadImage = MakeResult(0xE0FF0004);
 inline constexpr Result kEngineReadFailed = MakeResult(0xE0FF0006);
 inline constexpr Result kEngineOpenFailed = MakeResult(0xE0FF0008);
+// A call that could not do its work; the disk-room query answers it when a volume can't be read.
+inline constexpr Result kEngineCallFailed = MakeResult(0xE0FF000B);
 inline constexpr Result kEngineBadParameter = MakeResult(0xE0FF0016);
 inline constexpr Result kEngineDiscCorrupt = MakeResult(0xE0FF0018);
 inline constexpr Result kEngineUnsupportedFs = MakeResult(0xE0FF001D);

@@ -1,9 +1,9 @@
 // The engine contract is binary: each operation must sit at its table position.
-#include "contract/IBwRegPath.h"
-#include "contract/IClassFactory.h"
-#include "contract/IQmzEngine.h"
-#include "contract/IQmzFileSystem.h"
-#include "contract/IQmzReader.h"
+#include "IBwRegPath.h"
+#include "IClassFactory.h"
+#include "IQmzEngine.h"
+#include "IQmzFileSystem.h"
+#include "IQmzReader.h"
 
 #include <gtest/gtest.h>
 

@@ -4,11 +4,11 @@
 // refuse-unload) tells it to.
 #include "FakeListing.h"
 
-#include "contract/IBwRegPath.h"
-#include "contract/IClassFactory.h"
-#include "contract/IQmzEngine.h"
-#include "contract/IQmzFileSystem.h"
-#include "contract/IQmzReader.h"
+#include "IBwRegPath.h"
+#include "IClassFactory.h"
+#include "IQmzEngine.h"
+#include "IQmzFileSystem.h"
+#include "IQmzReader.h"
 
 #include <algorithm>
 #include <atomic>

@@ -65,11 +65,11 @@ void AppendTable(std::vector<uint8_t>& out, NeroTable table, uint64_t pregap, ui
     int wide = table == NeroTable::kDaoX || table == NeroTable::kEtn2 ? 8 : 4;
     std::vector<uint8_t> body;
     if (dao) {
-        Append(body, 0, 4);            // the chunk's length again, little-endian; not read
-        body.resize(body.size() + 16); // UPC, TOC type
-        body.push_back(1);             // first and last track
+        Append(body, 0, 4); // the chunk's length again, little-endian; not read
+        body.insert(body.end(), 16, uint8_t{0}); // UPC, TOC type
+        body.push_back(1);                       // first and last track
         body.push_back(1);
-        body.resize(body.size() + 12); // ISRC
+        body.insert(body.end(), 12, uint8_t{0}); // ISRC
         Append(body, sectorSize, 2);
         Append(body, 0, 4); // mode, unknown
         Append(body, pregap, wide);

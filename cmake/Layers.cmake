@@ -1,0 +1,48 @@
+# Checks at configure time that no library reaches a layer it may not use, directly or through
+# another library, so that a link added in the wrong place fails the build at once instead of
+# blurring the layers unnoticed.
+
+# Every target and library name that target links, followed through the targets it names.
+function(_ovrin_links_of target out)
+    set(seen "")
+    set(pending ${target})
+    while(pending)
+        list(POP_FRONT pending current)
+        if(NOT TARGET ${current} OR current IN_LIST seen)
+            continue()
+        endif()
+        list(APPEND seen ${current})
+        get_target_property(type ${current} TYPE)
+        set(links "")
+        if(NOT type STREQUAL "INTERFACE_LIBRARY")
+            get_target_property(direct ${current} LINK_LIBRARIES)
+            if(direct)
+                list(APPEND links ${direct})
+            endif()
+        endif()
+        get_target_property(usage ${current} INTERFACE_LINK_LIBRARIES)
+        if(usage)
+            list(APPEND links ${usage})
+        endif()
+        foreach(link IN LISTS links)
+            string(REGEX REPLACE "^\\$<LINK_ONLY:(.*)>$" "\\1" link "${link}")
+            list(APPEND pending ${link})
+        endforeach()
+    endwhile()
+    list(REMOVE_ITEM seen ${target})
+    set(${out} ${seen} PARENT_SCOPE)
+endfunction()
+
+# ovrin_check_layer(TARGET MAY_NOT_USE name-or-regex...): a name that starts with ^ is a
+# regular expression, any other is a target name.
+function(ovrin_check_layer target)
+    cmake_parse_arguments(ARG "" "" "MAY_NOT_USE" ${ARGN})
+    _ovrin_links_of(${target} links)
+    foreach(forbidden IN LISTS ARG_MAY_NOT_USE)
+        foreach(link IN LISTS links)
+            if((forbidden MATCHES "^\\^" AND link MATCHES "${forbidden}") OR link STREQUAL forbidden)
+                message(FATAL_ERROR "${target} may not use ${link}")
+            endif()
+        endforeach()
+    endforeach()
+endfunction()
