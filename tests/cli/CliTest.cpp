@@ -1,6 +1,6 @@
-// ovrin-cli against the peers: what it lists and extracts of images that xorriso and genisoimage
-// made, and what it lists of trees it has never seen, must be what bsdtar (or 7-Zip, for UDF)
-// lists and extracts, byte for byte and with the same modification times.
+// ovrin-cli against bsdtar: what it lists and extracts of an image that xorriso made, and what
+// it lists of trees it has never seen, must be what bsdtar lists and extracts, byte for byte and
+// with the same modification times.
 #include "TestFiles.h"
 
 #include <gtest/gtest.h>
@@ -82,51 +82,31 @@ std::string Fill(std::string text, const std::map<std::string, std::string>& val
     return text;
 }
 
-struct Recipe {
-    const char* name;
-    const char* make;           // $SRC, $ISO
-    const char* peer = nullptr; // extracts $ISO into $OUT; null: the image is only listed
-    bool bUdf = false; // bsdtar reads only the ISO 9660 side of a UDF bridge; 7-Zip reads UDF
-};
-
 TEST(Cli, ListsAndExtractsWhatThePeersDo) {
     TempDir dir;
     MakeSourceTree(dir / "src");
-    const char* kBsdtarExtract = "bsdtar -xf $ISO -C $OUT";
-    const Recipe recipes[] = {
-        {.name = "Rock Ridge and Joliet",
-         .make = "xorriso -as mkisofs -quiet -R -J -o $ISO $SRC",
-         .peer = kBsdtarExtract},
-        {.name = "Joliet",
-         .make = "genisoimage -quiet -input-charset utf-8 -J -D -o $ISO $SRC",
-         .peer = kBsdtarExtract},
-        {.name = "plain ISO 9660",
-         .make = "genisoimage -quiet -o $ISO $SRC",
-         .peer = kBsdtarExtract},
-        {.name = "UDF bridge",
-         .make = "genisoimage -quiet -input-charset utf-8 -udf -o $ISO $SRC",
-         .peer = "7z x -y -bd -o$OUT $ISO >/dev/null",
-         .bUdf = true},
-        {.name = "unseen: time zones",
-         .make = "xorriso -as mkisofs -quiet -R -J -o $ISO /usr/share/zoneinfo"},
-        {.name = "unseen: C++ headers",
-         .make = "xorriso -as mkisofs -quiet -R -J -o $ISO /usr/include/c++"},
+    // Reading each file system is the engine's to check; the CLI's walk and copy are the same
+    // for all, so one image of our own and two trees it has never seen.
+    const std::pair<const char*, bool> images[] = {
+        {"xorriso -as mkisofs -quiet -R -J -o $ISO $SRC", true},
+        {"xorriso -as mkisofs -quiet -R -J -o $ISO /usr/share/zoneinfo", false},
+        {"xorriso -as mkisofs -quiet -R -J -o $ISO /usr/include/c++", false},
     };
-    for (const Recipe& recipe : recipes) {
-        SCOPED_TRACE(recipe.name);
+    for (const auto& [make, bExtract] : images) {
+        SCOPED_TRACE(make);
         const fs::path image = dir / "image.iso";
         const fs::path ours = dir / "ours";
         const fs::path theirs = dir / "theirs";
         const std::map<std::string, std::string> values = {
             {"$SRC", Quote(dir / "src")}, {"$ISO", Quote(image)}, {"$OUT", Quote(theirs)}};
-        ASSERT_TRUE(RunCommand(Fill(recipe.make, values)));
+        ASSERT_TRUE(RunCommand(Fill(make, values)));
         // bsdtar gives symbolic links no size, and our list shows them as empty files.
-        const Tree listed = recipe.bUdf ? SevenZipTree(image) : BsdtarTree(image);
+        const Tree listed = BsdtarTree(image);
         ASSERT_GT(listed.size(), 4u);
         EXPECT_EQ(OvrinTree(image), listed);
-        if (recipe.peer != nullptr) {
+        if (bExtract) {
             fs::create_directories(theirs);
-            ASSERT_TRUE(RunCommand(Fill(recipe.peer, values)));
+            ASSERT_TRUE(RunCommand(Fill("bsdtar -xf $ISO -C $OUT", values)));
             std::string out;
             ASSERT_EQ(Ovrin("extract " + Quote(image) + " -C " + Quote(ours), &out), 0) << out;
             const Tree tree = FileTimesOnly(DiskTree(ours));
