@@ -2,8 +2,8 @@
 // code or a partial tree: never a crash, a hang or a huge allocation (the sanitizer build
 // watches for those).
 #include <functional>
-#include <initializer_list>
 #include <gtest/gtest.h>
+#include <initializer_list>
 
 #include "ByteOrder.h"
 #include "ImageFile.h"
