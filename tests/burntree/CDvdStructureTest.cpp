@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <map>
+#include <sstream>
 
 namespace {
 
@@ -69,6 +70,16 @@ std::string Dests(const ITvnDataTree& tree, const ITvnTreeNode* pNode) {
     return out;
 }
 
+// The destinations of VIDEO_TS and of the named files in it, as Dests gives them.
+std::string InVideoTs(const std::string& names) {
+    std::string out = "\\VIDEO_TS\\";
+    std::istringstream in(names);
+    for (std::string name; in >> name;) {
+        out += " \\VIDEO_TS\\" + name;
+    }
+    return out;
+}
+
 QString Path(const fs::path& path) {
     return QString::fromStdString(path.string());
 }
@@ -84,7 +95,7 @@ struct DvdFolderCase {
     const char* folderName;
     std::map<std::string, std::string> files;
     qmz::Result expected;
-    const char* dests;
+    std::string dests;
 };
 
 TEST(DvdStructure, VideoTsFilesGoOnTheDiscInTheDvdsOrder) {
@@ -100,31 +111,28 @@ TEST(DvdStructure, VideoTsFilesGoOnTheDiscInTheDvdsOrder) {
     for (const auto& [name, content] : kOneTitleSet) {
         lowerCase[QString::fromStdString(name).toLower().toStdString()] = content;
     }
-    const char* kComplete =
-        "\\VIDEO_TS\\ \\VIDEO_TS\\VIDEO_TS.IFO \\VIDEO_TS\\VIDEO_TS.VOB "
-        "\\VIDEO_TS\\VIDEO_TS.BUP \\VIDEO_TS\\VTS_01_0.IFO \\VIDEO_TS\\VTS_01_0.VOB "
-        "\\VIDEO_TS\\VTS_01_1.VOB \\VIDEO_TS\\VTS_01_2.VOB \\VIDEO_TS\\VTS_01_0.BUP";
+    const std::string kComplete = InVideoTs("VIDEO_TS.IFO VIDEO_TS.VOB VIDEO_TS.BUP VTS_01_0.IFO "
+                                            "VTS_01_0.VOB VTS_01_1.VOB VTS_01_2.VOB VTS_01_0.BUP");
     const DvdFolderCase cases[] = {
         {"complete", "VIDEO_TS", kOneTitleSet, qmz::kOk, kComplete},
         {"names in any case", "video_ts", lowerCase, qmz::kOk, kComplete},
         {"VOB run with a gap", "VIDEO_TS",
          with(without(kOneTitleSet, "VTS_01_2.VOB"), "VTS_01_3.VOB", "10"), qmz::kOk,
-         "\\VIDEO_TS\\ \\VIDEO_TS\\VIDEO_TS.IFO \\VIDEO_TS\\VIDEO_TS.VOB "
-         "\\VIDEO_TS\\VIDEO_TS.BUP \\VIDEO_TS\\VTS_01_0.IFO \\VIDEO_TS\\VTS_01_0.VOB "
-         "\\VIDEO_TS\\VTS_01_1.VOB \\VIDEO_TS\\VTS_01_0.BUP"},
+         InVideoTs("VIDEO_TS.IFO VIDEO_TS.VOB VIDEO_TS.BUP VTS_01_0.IFO VTS_01_0.VOB "
+                   "VTS_01_1.VOB VTS_01_0.BUP")},
         {"no title sets, no menu",
          "VIDEO_TS",
          {{"VIDEO_TS.IFO", "IFO:0"}, {"VIDEO_TS.BUP", "IFO:0"}},
          qmz::kOk,
-         "\\VIDEO_TS\\ \\VIDEO_TS\\VIDEO_TS.IFO \\VIDEO_TS\\VIDEO_TS.BUP"},
+         InVideoTs("VIDEO_TS.IFO VIDEO_TS.BUP")},
         {"missing BUP", "VIDEO_TS", without(kOneTitleSet, "VIDEO_TS.BUP"), qmz::kEngineFileNotFound,
-         "\\VIDEO_TS\\"},
+         InVideoTs("")},
         {"missing title set BUP", "VIDEO_TS", without(kOneTitleSet, "VTS_01_0.BUP"),
-         qmz::kEngineFileNotFound, "\\VIDEO_TS\\"},
+         qmz::kEngineFileNotFound, InVideoTs("")},
         {"title set missing", "VIDEO_TS", with(kOneTitleSet, "VIDEO_TS.IFO", "IFO:2"),
-         qmz::kEngineFileNotFound, "\\VIDEO_TS\\"},
+         qmz::kEngineFileNotFound, InVideoTs("")},
         {"short VIDEO_TS.IFO", "VIDEO_TS", with(kOneTitleSet, "VIDEO_TS.IFO", "60"),
-         kTvnBadDvdFolder, "\\VIDEO_TS\\"},
+         kTvnBadDvdFolder, InVideoTs("")},
     };
     for (const DvdFolderCase& c : cases) {
         SCOPED_TRACE(c.name);

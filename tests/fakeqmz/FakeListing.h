@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <map>
 #include <string>
+#include <string_view>
 #include <vector>
 
 struct FakeEntry {
@@ -20,10 +21,23 @@ struct FakeEntry {
     uint64_t ticks = 0;
 };
 
-// The bytes that the double serves for every file: they differ from file to file and along a
-// file, and 251 is prime to the chunk sizes, so a chunk that is lost or misplaced shows.
-inline uint8_t FakeContentByte(size_t pathLength, uint64_t offset) {
-    return static_cast<uint8_t>((offset + pathLength) % 251);
+// The bytes that the double serves for the file at a path ('\\' separators): a stream seeded by
+// the whole path, so that no two files hold the same bytes and a chunk that is lost, misplaced
+// or taken from another file shows.
+inline uint64_t FakeContentSeed(std::u16string_view path) {
+    uint64_t seed = 0xcbf29ce484222325ull; // FNV-1a
+    for (const char16_t c : path) {
+        seed = (seed ^ c) * 0x100000001b3ull;
+    }
+    return seed;
+}
+
+// One splitmix64 step at the offset.
+inline uint8_t FakeContentByte(uint64_t seed, uint64_t offset) {
+    uint64_t x = seed + (offset + 1) * 0x9e3779b97f4a7c15ull;
+    x = (x ^ (x >> 30)) * 0xbf58476d1ce4e5b9ull;
+    x = (x ^ (x >> 27)) * 0x94d049bb133111ebull;
+    return static_cast<uint8_t>(x ^ (x >> 31));
 }
 
 struct FakeFault {

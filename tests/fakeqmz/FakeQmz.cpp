@@ -138,7 +138,7 @@ public:
         }
         *pSize = pEntry->size;
         m_nFileSize = pEntry->size;
-        m_nPathLength = std::char_traits<char16_t>::length(path);
+        m_nSeed = FakeContentSeed(path);
         m_nOffset = 0;
         return kOk;
     }
@@ -150,7 +150,7 @@ public:
         const auto n = static_cast<uint32_t>(std::min<uint64_t>(length, m_nFileSize - m_nOffset));
         auto* pBytes = static_cast<uint8_t*>(pBuffer);
         for (uint32_t i = 0; i < n; ++i) {
-            pBytes[i] = FakeContentByte(m_nPathLength, m_nOffset + i);
+            pBytes[i] = FakeContentByte(m_nSeed, m_nOffset + i);
         }
         m_nOffset += n;
         *pRead = n;
@@ -175,7 +175,7 @@ private:
     size_t m_nNext = 0;
     uint64_t m_nFileSize = 0;
     uint64_t m_nOffset = 0;
-    size_t m_nPathLength = 0;
+    uint64_t m_nSeed = 0;
 };
 
 class FakeReader : public RefCounted<IQmzReader> {

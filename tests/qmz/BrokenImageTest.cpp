@@ -3,6 +3,7 @@
 // watches for those).
 #include <functional>
 #include <gtest/gtest.h>
+#include <initializer_list>
 
 #include "ByteOrder.h"
 #include "ImageFile.h"
@@ -45,6 +46,9 @@ struct IsoBytes {
         uint8_t idLength = bytes[record + 32];
         return record + 33 + idLength + (idLength % 2 == 0 ? 1 : 0);
     }
+    void Put(size_t at, std::initializer_list<uint8_t> values) {
+        std::copy(values.begin(), values.end(), bytes.begin() + static_cast<long>(at));
+    }
     // Appends one zero sector and gives its number.
     uint32_t AppendSector() {
         bytes.resize(bytes.size() + kSector);
@@ -52,10 +56,7 @@ struct IsoBytes {
     }
     // Writes a SUSP CE entry leading to `length` bytes at sector `lba`, offset `offset`.
     void WriteCe(size_t at, uint32_t lba, uint32_t offset, uint32_t length) {
-        bytes[at] = 'C';
-        bytes[at + 1] = 'E';
-        bytes[at + 2] = 28;
-        bytes[at + 3] = 1;
+        Put(at, {'C', 'E', 28, 1});
         SetBoth32(at + 4, lba);
         SetBoth32(at + 12, offset);
         SetBoth32(at + 20, length);
@@ -132,11 +133,7 @@ const BrokenCase kCases[] = {
          // continuation loop must be cut and the name's growth bounded.
          uint32_t lba = iso.AppendSector();
          size_t at = size_t{lba} * kSector;
-         iso.bytes[at] = 'N';
-         iso.bytes[at + 1] = 'M';
-         iso.bytes[at + 2] = 205;
-         iso.bytes[at + 3] = 1;
-         iso.bytes[at + 4] = 1; // CONTINUE
+         iso.Put(at, {'N', 'M', 205, 1, 1}); // flags: CONTINUE
          std::fill_n(iso.bytes.begin() + static_cast<long>(at) + 5, 200, 'n');
          iso.WriteCe(at + 205, lba, 0, 233);
          iso.WriteCe(iso.SystemUse(iso.Record(iso.RootDirectory(), "F1.TXT;1")), lba, 0, 233);
@@ -151,10 +148,7 @@ const BrokenCase kCases[] = {
      [](IsoBytes& iso) {
          // F1's system use starts with an RRIP CL naming the root folder.
          size_t at = iso.SystemUse(iso.Record(iso.RootDirectory(), "F1.TXT;1"));
-         iso.bytes[at] = 'C';
-         iso.bytes[at + 1] = 'L';
-         iso.bytes[at + 2] = 12;
-         iso.bytes[at + 3] = 1;
+         iso.Put(at, {'C', 'L', 12, 1});
          iso.SetBoth32(at + 4, static_cast<uint32_t>(iso.RootDirectory() / kSector));
      },
      kOk,

@@ -10,7 +10,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <functional>
+#include <typeinfo>
 
 namespace {
 
@@ -36,65 +36,29 @@ protected:
     CRegistry m_registry{File("user.db"), File("machine.db")};
 };
 
+// Assigns through a write-through object of class Reg; the store must hold the type and bytes,
+// and a fresh object of an absent value must start from `empty`.
+template <class Reg, class T>
+void ExpectStored(CRegistry* pRegistry, T value, uint32_t type, const QByteArray& bytes,
+                  T empty = T{}) {
+    Reg(RegRoot::CurrentUser, kKey, u"v"_s, true, pRegistry) = value;
+    uint32_t stored = 0;
+    QByteArray data;
+    pRegistry->Root(RegRoot::CurrentUser).QueryValue(kKey, u"V"_s, stored, data);
+    EXPECT_EQ(data, bytes) << typeid(Reg).name();
+    EXPECT_EQ(stored, type) << typeid(Reg).name();
+    EXPECT_EQ(Reg(RegRoot::CurrentUser, kKey, u"none"_s, true, pRegistry).Get(), empty)
+        << typeid(Reg).name();
+}
+
 TEST_F(RegValue, EachClassStoresItsTypeAndSizeAndStartsFromItsEmptyValue) {
-    struct Case {
-        const char* name;
-        std::function<void(CRegistry*)> assign;  // assigns through a write-through object
-        std::function<bool(CRegistry*)> isEmpty; // a fresh object of an absent value
-        uint32_t type;
-        QByteArray bytes;
-    };
-    const Case cases[] = {
-        {"BoolReg",
-         [](CRegistry* p) { BoolReg(RegRoot::CurrentUser, kKey, u"v"_s, true, p) = true; },
-         [](CRegistry* p) {
-             return !BoolReg(RegRoot::CurrentUser, kKey, u"none"_s, true, p).Get();
-         },
-         kRegBinary, QByteArray("\x01\0\0\0", 4)},
-        {"DoubleReg",
-         [](CRegistry* p) { DoubleReg(RegRoot::CurrentUser, kKey, u"v"_s, true, p) = 1.5; },
-         [](CRegistry* p) {
-             return DoubleReg(RegRoot::CurrentUser, kKey, u"none"_s, true, p).Get() == 0.0;
-         },
-         kRegBinary, QByteArray("\0\0\0\0\0\0\xf8\x3f", 8)},
-        {"DwordReg",
-         [](CRegistry* p) { DwordReg(RegRoot::CurrentUser, kKey, u"v"_s, true, p) = 0x01020304u; },
-         [](CRegistry* p) {
-             return DwordReg(RegRoot::CurrentUser, kKey, u"none"_s, true, p).Get() == 0;
-         },
-         kRegDword, QByteArray("\x04\x03\x02\x01", 4)},
-        {"DwordReg2",
-         [](CRegistry* p) { DwordReg2(RegRoot::CurrentUser, kKey, u"v"_s, true, p) = 0u; },
-         [](CRegistry* p) {
-             DwordReg2 value(RegRoot::CurrentUser, kKey, u"none"_s, true, p);
-             return !value.Read() && value.Get() == 0xFFFFFFFFu;
-         },
-         kRegDword, QByteArray("\0\0\0\0", 4)},
-        {"IntReg", [](CRegistry* p) { IntReg(RegRoot::CurrentUser, kKey, u"v"_s, true, p) = -2; },
-         [](CRegistry* p) {
-             return IntReg(RegRoot::CurrentUser, kKey, u"none"_s, true, p).Get() == 0;
-         },
-         kRegBinary, QByteArray("\xfe\xff\xff\xff", 4)},
-        {"LongLongReg",
-         [](CRegistry* p) { LongLongReg(RegRoot::CurrentUser, kKey, u"v"_s, true, p) = -1; },
-         [](CRegistry* p) {
-             return LongLongReg(RegRoot::CurrentUser, kKey, u"none"_s, true, p).Get() == 0;
-         },
-         kRegBinary, QByteArray(8, '\xff')},
-        {"StringReg",
-         [](CRegistry* p) { StringReg(RegRoot::CurrentUser, kKey, u"v"_s, true, p) = u"Ab"_s; },
-         [](CRegistry* p) {
-             return StringReg(RegRoot::CurrentUser, kKey, u"none"_s, true, p).IsEmpty();
-         },
-         kRegSz, QByteArray("A\0b\0", 4)},
-    };
-    for (const Case& c : cases) {
-        c.assign(&m_registry);
-        uint32_t type = 0;
-        EXPECT_EQ(Raw(RegRoot::CurrentUser, kKey, u"V"_s, &type), c.bytes) << c.name;
-        EXPECT_EQ(type, c.type) << c.name;
-        EXPECT_TRUE(c.isEmpty(&m_registry)) << c.name;
-    }
+    ExpectStored<BoolReg>(&m_registry, true, kRegBinary, QByteArray("\x01\0\0\0", 4));
+    ExpectStored<DoubleReg>(&m_registry, 1.5, kRegBinary, QByteArray("\0\0\0\0\0\0\xf8\x3f", 8));
+    ExpectStored<DwordReg>(&m_registry, 0x01020304u, kRegDword, QByteArray("\x04\x03\x02\x01", 4));
+    ExpectStored<DwordReg2>(&m_registry, 0u, kRegDword, QByteArray("\0\0\0\0", 4), 0xFFFFFFFFu);
+    ExpectStored<IntReg>(&m_registry, -2, kRegBinary, QByteArray("\xfe\xff\xff\xff", 4));
+    ExpectStored<LongLongReg>(&m_registry, int64_t{-1}, kRegBinary, QByteArray(8, '\xff'));
+    ExpectStored<StringReg>(&m_registry, u"Ab"_s, kRegSz, QByteArray("A\0b\0", 4));
     // Without write-through an assignment stays local.
     DwordReg local(RegRoot::CurrentUser, kKey, u"local"_s, false, &m_registry);
     local = 7;

@@ -164,17 +164,8 @@ Tree BsdtarTree(const fs::path& image, std::map<std::string, std::string>* rawPa
         std::istringstream words(line);
         std::string path;
         words >> path;
-        std::string raw = UnescapeMtree(path.substr(2));
-        std::string mapped;
-        for (size_t start = 0;;) {
-            size_t cut = raw.find('/', start);
-            mapped += MapName(raw.substr(start, cut - start));
-            if (cut == std::string::npos) {
-                break;
-            }
-            mapped += '/';
-            start = cut + 1;
-        }
+        const std::string raw = UnescapeMtree(path.substr(2));
+        const std::string mapped = MapName(raw);
         Node node;
         std::string word;
         while (words >> word) {
@@ -208,50 +199,14 @@ Tree DiskTree(const fs::path& root) {
     return tree;
 }
 
+// Through std::filesystem::path, whose char16_t and char8_t forms are UTF-16 and UTF-8.
 std::string ToUtf8(const std::u16string& text) {
-    std::string out;
-    for (size_t i = 0; i < text.size(); ++i) {
-        uint32_t cp = text[i];
-        if (cp >= 0xD800 && cp <= 0xDBFF && i + 1 < text.size()) {
-            cp = 0x10000 + ((cp - 0xD800) << 10) + (text[++i] - 0xDC00);
-        }
-        if (cp < 0x80) {
-            out += static_cast<char>(cp);
-        } else if (cp < 0x800) {
-            out += static_cast<char>(0xC0 | (cp >> 6));
-            out += static_cast<char>(0x80 | (cp & 0x3F));
-        } else if (cp < 0x10000) {
-            out += static_cast<char>(0xE0 | (cp >> 12));
-            out += static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
-            out += static_cast<char>(0x80 | (cp & 0x3F));
-        } else {
-            out += static_cast<char>(0xF0 | (cp >> 18));
-            out += static_cast<char>(0x80 | ((cp >> 12) & 0x3F));
-            out += static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
-            out += static_cast<char>(0x80 | (cp & 0x3F));
-        }
-    }
-    return out;
+    const std::u8string utf8 = fs::path(text).u8string();
+    return {utf8.begin(), utf8.end()};
 }
 
 std::u16string ToUtf16(const std::string& text) {
-    std::u16string out;
-    for (size_t i = 0; i < text.size();) {
-        auto c = static_cast<uint8_t>(text[i]);
-        int extra = c < 0x80 ? 0 : c < 0xE0 ? 1 : c < 0xF0 ? 2 : 3;
-        uint32_t cp = extra == 0 ? c : c & (0x3F >> extra);
-        for (int k = 1; k <= extra; ++k) {
-            cp = (cp << 6) | (static_cast<uint8_t>(text[i + k]) & 0x3F);
-        }
-        i += 1 + extra;
-        if (cp >= 0x10000) {
-            out += static_cast<char16_t>(0xD800 + ((cp - 0x10000) >> 10));
-            out += static_cast<char16_t>(0xDC00 + ((cp - 0x10000) & 0x3FF));
-        } else {
-            out += static_cast<char16_t>(cp);
-        }
-    }
-    return out;
+    return fs::path(std::u8string(text.begin(), text.end())).u16string();
 }
 
 } // namespace testsupport
