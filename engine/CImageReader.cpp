@@ -19,7 +19,6 @@
 #include <fcntl.h>
 #include <new>
 #include <sys/stat.h>
-#include <sys/statvfs.h>
 #include <sys/uio.h>
 #include <unistd.h>
 
@@ -42,9 +41,6 @@ constexpr size_t kMaxQueuedBytes = size_t{64} << 20;
 // Slices in which the reading side waits for the writer, keeping the interface alive between.
 constexpr auto kAppendWait = std::chrono::milliseconds(10);
 constexpr auto kWriterWait = std::chrono::milliseconds(100);
-constexpr auto kCapacityLifetime = std::chrono::seconds(1);
-// One percent of the free room is held back when a job's size is checked against it.
-constexpr double kRoomMargin = 1.01;
 // Letting a window process its messages after every entry would cost more than the walk
 // itself on large images; between pumps the stop flag is still polled after every entry.
 constexpr auto kPumpInterval = std::chrono::milliseconds(15);
@@ -114,8 +110,7 @@ struct WalkState {
         std::chrono::steady_clock::now() - kPumpInterval;
 };
 
-CImageReader::CImageReader(const QString& enginePath)
-    : m_oBuffers(kMaxQueuedBytes), m_mountTablePath(MountTable::SystemTablePath()) {
+CImageReader::CImageReader(const QString& enginePath) : m_oBuffers(kMaxQueuedBytes) {
     m_pModule = new (std::nothrow) CEngineModule();
     if (m_pModule == nullptr) {
         return;
@@ -808,42 +803,23 @@ bool CImageReader::IsWritableName(QStringView name) {
 }
 
 int CImageReader::CheckDiskRoom(const QString& path, uint64_t ullBytes) {
-    uint64_t ullFree = 0;
-    GetFreeBytes(path, &ullFree);
-    return FitsInFreeBytes(ullBytes, ullFree) ? 1 : 0;
+    return CDiskRoomPolicy::CheckDiskRoom(path, ullBytes);
 }
 
 bool CImageReader::FitsInFreeBytes(uint64_t ullBytes, uint64_t ullFreeBytes) {
-    return !(static_cast<double>(ullBytes) * kRoomMargin > static_cast<double>(ullFreeBytes));
+    return CDiskRoomPolicy::FitsInFreeBytes(ullBytes, ullFreeBytes);
 }
 
 qmz::Result CImageReader::GetFreeBytes(const QString& path, uint64_t* pFreeBytes) {
-    if (pFreeBytes == nullptr || path.isEmpty()) {
-        return qmz::kFail;
-    }
-    struct statvfs info {};
-    if (::statvfs(QFile::encodeName(MountTable::ExistingAncestor(path)).constData(), &info) != 0) {
-        return qmz::MakeResult(0xE0FF000B);
-    }
-    *pFreeBytes = static_cast<uint64_t>(info.f_bavail) * info.f_frsize;
-    return qmz::kOk;
+    return CDiskRoomPolicy::GetFreeBytes(path, pFreeBytes);
 }
 
 int CImageReader::FileSystemCanHold(const QString& folder, uint64_t ullSize) {
-    // The files of one folder come one after another; a folder's answer is kept for a moment,
-    // long enough to serve them all, too short for a volume to be swapped under it meanwhile.
-    const auto now = std::chrono::steady_clock::now();
-    if (folder != m_strCapacityFolder || now - m_capacityTime > kCapacityLifetime) {
-        m_capacity = MountTable(m_mountTablePath).CapacityOf(folder);
-        m_strCapacityFolder = folder;
-        m_capacityTime = now;
-    }
-    return MountTable::CanHold(m_capacity, ullSize) ? 1 : 0;
+    return m_diskRoom.FileSystemCanHold(folder, ullSize);
 }
 
 void CImageReader::SetMountTable(const QString& tablePath) {
-    m_mountTablePath = tablePath;
-    m_strCapacityFolder.clear();
+    m_diskRoom.SetMountTable(tablePath);
 }
 
 qmz::Result CImageReader::StreamFile(const QString& source, ImageReadSink pfnSink, void* pContext) {

@@ -3,6 +3,7 @@
 // out of it onto a disk.
 #pragma once
 
+#include "CDiskRoomPolicy.h"
 #include "ChunkQueue.h"
 #include "MountTable.h"
 #include "NamedMutex.h"
@@ -157,11 +158,7 @@ private:
     QString m_strDstFile;
     // The target that the reading side could not finish, removed when the job ends.
     QString m_strUnfinishedTarget;
-    QString m_mountTablePath;
-    // The last target folder that FileSystemCanHold was asked about, with its answer.
-    QString m_strCapacityFolder;
-    std::chrono::steady_clock::time_point m_capacityTime;
-    MountTable::Capacity m_capacity = MountTable::Capacity::None;
+    CDiskRoomPolicy m_diskRoom;
     ImageReaderCallback m_pfnCallback = nullptr;
     void* m_pCallbackContext = nullptr;
     ImageReaderPump m_pfnPump = nullptr;
