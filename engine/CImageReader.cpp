@@ -32,9 +32,6 @@ constexpr int32_t kReopenScanLimit = 100;
 constexpr float kWalkPercentStart = 50.0f;
 constexpr float kWalkPercentSpan = 50.0f;
 constexpr int32_t kPercentMax = 100;
-// Payload sizes in characters, as the receivers of the notifications expect them.
-constexpr size_t kShortPayloadChars = 260;
-constexpr size_t kLongPayloadChars = 520;
 constexpr uint32_t kChunkBytes = 32768;
 // Read-ahead that a slow target disk lets pile up before the reading side waits for it.
 constexpr size_t kMaxQueuedBytes = size_t{64} << 20;
@@ -137,14 +134,14 @@ CImageReader::~CImageReader() {
 }
 
 int CImageReader::SetCallback(ImageReaderCallback pfnCallback, void* pContext) {
-    m_pfnCallback = pfnCallback;
-    m_pCallbackContext = pContext;
+    m_progress.pfnCallback = pfnCallback;
+    m_progress.pCallbackContext = pContext;
     return 1;
 }
 
 void CImageReader::SetPump(ImageReaderPump pfnPump, void* pContext) {
-    m_pfnPump = pfnPump;
-    m_pPumpContext = pContext;
+    m_progress.pfnPump = pfnPump;
+    m_progress.pPumpContext = pContext;
 }
 
 int32_t CImageReader::GetProgress(int32_t query, int32_t* pPercent) const {
@@ -152,9 +149,9 @@ int32_t CImageReader::GetProgress(int32_t query, int32_t* pPercent) const {
         return 0;
     }
     if (query == PROGRESS_OPEN) {
-        *pPercent = m_nOpenPercent;
+        *pPercent = m_progress.nOpenPercent;
     } else if (query == PROGRESS_COPY) {
-        *pPercent = m_nCopyPercent;
+        *pPercent = m_progress.nCopyPercent;
     }
     return 0;
 }
@@ -206,23 +203,6 @@ qmz::Result CImageReader::CanOpen(const QString& imagePath) {
     return hr;
 }
 
-void CImageReader::Notify(uint32_t code, const QString& payload, size_t payloadChars) {
-    if (m_pfnCallback == nullptr) {
-        return;
-    }
-    std::array<char16_t, 2 * kShortPayloadChars> buffer{};
-    const size_t nChars =
-        std::min(static_cast<size_t>(payload.size()), std::min(payloadChars, buffer.size()) - 1);
-    std::memcpy(buffer.data(), payload.utf16(), nChars * sizeof(char16_t));
-    m_pfnCallback(code, buffer.data(), m_pCallbackContext);
-}
-
-void CImageReader::Pump() {
-    if (m_pfnPump != nullptr) {
-        m_pfnPump(m_pPumpContext);
-    }
-}
-
 void CImageReader::PumpPaced(WalkState& state) {
     if (++state.nPumpTick % kPumpClockStride != 0) {
         return;
@@ -230,7 +210,7 @@ void CImageReader::PumpPaced(WalkState& state) {
     const auto now = std::chrono::steady_clock::now();
     if (now - state.lastPump >= kPumpInterval) {
         state.lastPump = now;
-        Pump();
+        m_progress.Pump();
     }
 }
 
@@ -250,7 +230,7 @@ qmz::Result CImageReader::OpenEngineObjects(const QString& imagePath, int32_t nP
         hr = qmz::kUnexpected;
     }
     if (hr >= 0) {
-        Notify(NOTIFY_OPEN_BEGIN, imagePath, kShortPayloadChars);
+        m_progress.Notify(NOTIFY_OPEN_BEGIN, imagePath, ReaderProgress::kShortPayloadChars);
         hr = CreateEngineReader();
     }
     if (hr >= 0) {
@@ -287,7 +267,7 @@ qmz::Result CImageReader::CreateEngineReader() {
 }
 
 qmz::Result CImageReader::WaitForScan(qmz::Result hr, int32_t nPercentLimit) {
-    while (m_bStop == 0) {
+    while (m_progress.bStop == 0) {
         uint32_t oState = 0;
         float fProgress = 0.0f;
         if (m_pReader->Wait(kWaitTimeoutMs, &oState, &fProgress) != qmz::kWaitStillRunning) {
@@ -295,20 +275,20 @@ qmz::Result CImageReader::WaitForScan(qmz::Result hr, int32_t nPercentLimit) {
         }
         const float fPercent = static_cast<float>(nPercentLimit) * fProgress;
         // An engine's progress is not trusted to stay within 0.0 to 1.0, nor to be a number.
-        m_nOpenPercent =
+        m_progress.nOpenPercent =
             fPercent >= 0.0f
                 ? static_cast<int32_t>(std::min(static_cast<float>(nPercentLimit), fPercent))
                 : 0;
-        Pump();
+        m_progress.Pump();
     }
-    if (m_bStop != 0) {
+    if (m_progress.bStop != 0) {
         return StopScan();
     }
     return m_pReader->Finish() | hr;
 }
 
 qmz::Result CImageReader::StopScan() {
-    Notify(NOTIFY_STOPPING, QString(), kShortPayloadChars);
+    m_progress.Notify(NOTIFY_STOPPING, QString(), ReaderProgress::kShortPayloadChars);
     qmz::Result hr = m_pReader->Cancel();
     for (;;) {
         uint32_t oState = 0;
@@ -316,7 +296,7 @@ qmz::Result CImageReader::StopScan() {
         if (m_pReader->Wait(kWaitTimeoutMs, &oState, &fProgress) != qmz::kWaitStillRunning) {
             break;
         }
-        Pump();
+        m_progress.Pump();
     }
     hr = m_pReader->Finish() | hr;
     return hr < 0 ? hr : qmz::kStopped;
@@ -326,10 +306,10 @@ qmz::Result CImageReader::OpenImage(const QString& imagePath, COvDataItem* pRoot
     if (m_pEngine == nullptr) {
         return qmz::kUnexpected;
     }
-    m_bOpening = 1;
+    m_progress.bOpening = 1;
     CloseImage();
-    m_bStop = 0;
-    m_nOpenPercent = 0;
+    m_progress.bStop = 0;
+    m_progress.nOpenPercent = 0;
 
     qmz::Result hr = OpenEngineObjects(imagePath, kOpenScanLimit);
     qmz::fsInfo info;
@@ -348,7 +328,7 @@ qmz::Result CImageReader::OpenImage(const QString& imagePath, COvDataItem* pRoot
     } else {
         m_szImagePath = imagePath;
     }
-    m_bOpening = 0;
+    m_progress.bOpening = 0;
     return hr;
 }
 
@@ -357,7 +337,7 @@ qmz::Result CImageReader::WalkTree(COvDataItem* pRoot) {
     state.nodes.push_back(pRoot);
     state.paths.emplace_back();
     qmz::Result hr = qmz::kOk;
-    while (!state.nodes.empty() && m_bStop == 0) {
+    while (!state.nodes.empty() && m_progress.bStop == 0) {
         COvDataItem* pNode = state.nodes.front();
         state.nodes.pop_front();
         const QString folderPath = std::move(state.paths.front());
@@ -378,7 +358,7 @@ qmz::Result CImageReader::WalkTree(COvDataItem* pRoot) {
             break;
         }
     }
-    if (m_bStop != 0) {
+    if (m_progress.bStop != 0) {
         hr = qmz::kStopped;
     }
     if (hr == qmz::kFindFolderEmpty || hr == qmz::kFindNoMoreEntries) {
@@ -399,7 +379,7 @@ qmz::Result CImageReader::ListEntries(COvDataItem* pNode, const QString& folderP
     const qsizetype nPrefix = text.size();
     qmz::Result hr = qmz::kOk;
     while (hr >= 0) {
-        if (m_bStop != 0) {
+        if (m_progress.bStop != 0) {
             return qmz::kStopped;
         }
         text.truncate(nPrefix);
@@ -421,7 +401,8 @@ qmz::Result CImageReader::ListEntries(COvDataItem* pNode, const QString& folderP
         const float fPercent = kWalkPercentStart + static_cast<float>(state.nDone) *
                                                        kWalkPercentSpan /
                                                        static_cast<float>(m_nEntryCount);
-        m_nOpenPercent = static_cast<int32_t>(std::min(static_cast<float>(kPercentMax), fPercent));
+        m_progress.nOpenPercent =
+            static_cast<int32_t>(std::min(static_cast<float>(kPercentMax), fPercent));
         hr = m_pFileSystem->FindNext(&state.attr);
         PumpPaced(state);
     }
@@ -432,13 +413,13 @@ qmz::Result CImageReader::ReopenImage() {
     if (m_szImagePath.isEmpty() || !QFileInfo::exists(m_szImagePath)) {
         return qmz::kUnexpected;
     }
-    m_bOpening = 1;
+    m_progress.bOpening = 1;
     CloseImage();
     const qmz::Result hr = OpenEngineObjects(m_szImagePath, kReopenScanLimit);
     if (hr < 0) {
         CloseImage();
     }
-    m_bOpening = 0;
+    m_progress.bOpening = 0;
     return hr;
 }
 
@@ -471,10 +452,10 @@ qmz::Result CImageReader::CopyFile(const QString& source, const QString& target,
     if (m_pFileSystem == nullptr) {
         return qmz::kUnexpected;
     }
-    m_bCopying = 1;
+    m_progress.bCopying = 1;
     StartJob();
     const qmz::Result hr = FinishJob(CopyJobFile(source, target, pTime));
-    m_bCopying = 0;
+    m_progress.bCopying = 0;
     return hr;
 }
 
@@ -491,12 +472,12 @@ qmz::Result CImageReader::FinishJob(qmz::Result hr) {
     WaitForWriter();
     if (WriterGaveUp()) {
         hr = qmz::kFail;
-        Notify(m_bWriteFailed != 0 ? NOTIFY_WRITE_FAILED : NOTIFY_ACCESS_DENIED,
-               QFile::decodeName(QByteArray::fromStdString(m_oBuffers.FailedPath())),
-               kLongPayloadChars);
+        m_progress.Notify(m_bWriteFailed != 0 ? NOTIFY_WRITE_FAILED : NOTIFY_ACCESS_DENIED,
+                          QFile::decodeName(QByteArray::fromStdString(m_oBuffers.FailedPath())),
+                          ReaderProgress::kLongPayloadChars);
     }
     // A stop that came after the writer had finished every file leaves the job whole.
-    if (m_bStop != 0 && (hr == qmz::kStopped || m_oBuffers.IsAbandoned())) {
+    if (m_progress.bStop != 0 && (hr == qmz::kStopped || m_oBuffers.IsAbandoned())) {
         hr = qmz::kStopped;
     }
     if (!m_strUnfinishedTarget.isEmpty()) {
@@ -540,11 +521,11 @@ qmz::Result CImageReader::TransferFile(const QString& source, uint64_t ullSize,
     const uint64_t ullLast = ullSize == 0 ? 0 : ullSize - 1;
     const QString folder = QFileInfo(m_strDstFile).absolutePath() + u'/';
     if (FileSystemCanHold(folder, ullSize) == 0) {
-        Notify(NOTIFY_NO_ROOM, m_strDstFile, kLongPayloadChars);
+        m_progress.Notify(NOTIFY_NO_ROOM, m_strDstFile, ReaderProgress::kLongPayloadChars);
         return qmz::kFail;
     }
-    m_bStop = 0;
-    Notify(NOTIFY_COPY_BEGIN, source, kShortPayloadChars);
+    m_progress.bStop = 0;
+    m_progress.Notify(NOTIFY_COPY_BEGIN, source, ReaderProgress::kShortPayloadChars);
     StartWriter();
     TargetFile file{QFile::encodeName(m_strDstFile).toStdString()};
     if (pTime != nullptr) {
@@ -554,7 +535,7 @@ qmz::Result CImageReader::TransferFile(const QString& source, uint64_t ullSize,
     }
     while (!m_oBuffers.BeginFile(file, kAppendWait)) {
         if (!KeepWaitingForRoom()) {
-            return m_bStop != 0 ? qmz::kStopped : qmz::kFail;
+            return m_progress.bStop != 0 ? qmz::kStopped : qmz::kFail;
         }
     }
     hr = ReadChunks(ullLast, hr);
@@ -566,7 +547,7 @@ qmz::Result CImageReader::ReadChunks(uint64_t ullLast, qmz::Result hr) {
     uint64_t ullDone = 0;
     uint32_t nChunk = kChunkBytes;
     for (;;) {
-        if (m_bStop != 0) {
+        if (m_progress.bStop != 0) {
             return qmz::kStopped;
         }
         if (WriterGaveUp()) {
@@ -587,7 +568,7 @@ qmz::Result CImageReader::ReadChunks(uint64_t ullLast, qmz::Result hr) {
         hr = m_pFileSystem->ReadFile(chunk.pData, nChunk, &nRead, 0);
         if (hr < 0) {
             FreeChunk(chunk);
-            Notify(NOTIFY_READ_FAILED, QString(), kShortPayloadChars);
+            m_progress.Notify(NOTIFY_READ_FAILED, QString(), ReaderProgress::kShortPayloadChars);
             return hr;
         }
         // An engine that claims more than it was asked for is held to the buffer's size.
@@ -597,7 +578,7 @@ qmz::Result CImageReader::ReadChunks(uint64_t ullLast, qmz::Result hr) {
             continue;
         }
         ullDone += chunk.nLength;
-        Pump();
+        m_progress.Pump();
     }
 }
 
@@ -615,8 +596,8 @@ qmz::Result CImageReader::AppendChunk(const ImageChunk& chunk) {
 // The interface stays alive while the list is full; a stop or a writer that gave up ends the
 // wait.
 bool CImageReader::KeepWaitingForRoom() {
-    Pump();
-    return m_bStop == 0 && !m_oBuffers.IsAbandoned();
+    m_progress.Pump();
+    return m_progress.bStop == 0 && !m_oBuffers.IsAbandoned();
 }
 
 void CImageReader::StartWriter() {
@@ -627,7 +608,7 @@ void CImageReader::StartWriter() {
 
 void CImageReader::WaitForWriter() {
     while (!m_oBuffers.Drain(kWriterWait)) {
-        Pump();
+        m_progress.Pump();
     }
 }
 
@@ -647,7 +628,7 @@ void CImageReader::WriterThreadProc(CImageReader* pReader) {
 // and the permissions stay as the system made them. A failure or a stop removes the file and
 // ends the job's writing.
 void CImageReader::WriteTargetFile(const TargetFile& file) {
-    if (m_bStop != 0) {
+    if (m_progress.bStop != 0) {
         m_oBuffers.Abandon({});
         return;
     }
@@ -666,22 +647,22 @@ void CImageReader::WriteTargetFile(const TargetFile& file) {
     // side may finish long before the writer, and a short write there must not go unnoticed.
     std::array<ImageChunk, kWriteBatchChunks> batch;
     size_t nTaken = 0;
-    while (m_bStop == 0 && m_bWriteFailed == 0 &&
+    while (m_progress.bStop == 0 && m_bWriteFailed == 0 &&
            (nTaken = m_oBuffers.Take(batch.data(), batch.size())) > 0) {
         WriteChunks(fileno(pFile), batch.data(), nTaken);
         for (size_t i = 0; i < nTaken; ++i) {
             FreeChunk(batch[i]);
         }
     }
-    if (file.bHasTime && m_bStop == 0 && m_bWriteFailed == 0) {
+    if (file.bHasTime && m_progress.bStop == 0 && m_bWriteFailed == 0) {
         const timespec times[2] = {{0, UTIME_OMIT}, file.modified};
         ::futimens(fileno(pFile), times);
     }
     // Closing can be where a disk reports that it could not keep the data.
-    if (std::fclose(pFile) != 0 && m_bStop == 0) {
+    if (std::fclose(pFile) != 0 && m_progress.bStop == 0) {
         m_bWriteFailed = 1;
     }
-    if (m_bStop != 0 || m_bWriteFailed != 0) {
+    if (m_progress.bStop != 0 || m_bWriteFailed != 0) {
         GiveUpTarget(file.path);
         return;
     }
@@ -691,7 +672,7 @@ void CImageReader::WriteTargetFile(const TargetFile& file) {
 // Removes the target and ends the job's writing; a stop names no target as the failed one.
 void CImageReader::GiveUpTarget(const std::string& path) {
     ::unlink(path.c_str());
-    m_oBuffers.Abandon(m_bStop != 0 ? std::string() : path);
+    m_oBuffers.Abandon(m_progress.bStop != 0 ? std::string() : path);
 }
 
 void CImageReader::WriteChunks(int fd, const ImageChunk* pChunks, size_t nChunks) {
@@ -705,11 +686,11 @@ void CImageReader::WriteChunks(int fd, const ImageChunk* pChunks, size_t nChunks
         }
     }
     const size_t nWritten = WriteAll(fd, parts.data(), nParts);
-    const uint64_t ullDone = m_ullDoneBytes += nWritten;
-    const uint64_t ullTotal = m_ullTotalBytes;
+    const uint64_t ullDone = m_progress.ullDoneBytes += nWritten;
+    const uint64_t ullTotal = m_progress.ullTotalBytes;
     // A job whose total was never set has no percent value to show.
     if (ullTotal != 0) {
-        m_nCopyPercent = static_cast<int32_t>(ullDone * 100 / ullTotal);
+        m_progress.nCopyPercent = static_cast<int32_t>(ullDone * 100 / ullTotal);
     }
     if (nWritten < nWanted) {
         m_bWriteFailed = 1;
@@ -720,10 +701,10 @@ qmz::Result CImageReader::CopyFolder(const QString& source, const QString& targe
     if (m_pReader == nullptr || m_pFileSystem == nullptr) {
         return qmz::kFail;
     }
-    m_bCopying = 1;
+    m_progress.bCopying = 1;
     StartJob();
     const qmz::Result hr = FinishJob(CopyFolderTree(source, targetBase));
-    m_bCopying = 0;
+    m_progress.bCopying = 0;
     return hr;
 }
 
@@ -735,7 +716,7 @@ qmz::Result CImageReader::CopyFolderTree(const QString& source, const QString& t
     std::deque<QString> paths{source};
     qmz::file_attr attr;
     qmz::Result hr = qmz::kOk;
-    while (!paths.empty() && m_bStop == 0) {
+    while (!paths.empty() && m_progress.bStop == 0) {
         const QString path = std::move(paths.front());
         paths.pop_front();
         hr = m_pFileSystem->FindFirst(Utf16(path), &attr);
@@ -773,7 +754,7 @@ qmz::Result CImageReader::CopyListing(const QString& folderPath, const QString& 
     intermediate.remove(source);
     intermediate.replace(u'\\', u'/');
     qmz::Result hr = qmz::kOk;
-    while (hr >= 0 && m_bStop == 0) {
+    while (hr >= 0 && m_progress.bStop == 0) {
         const QString name = NameOf(attr).toString();
         // The root has no name of its own to build targets from, and a name that isn't a plain
         // path component could lead outside the target folder: neither is written.
@@ -831,7 +812,7 @@ qmz::Result CImageReader::StreamFile(const QString& source, ImageReadSink pfnSin
     if (hr < 0) {
         return hr;
     }
-    m_bStop = 0;
+    m_progress.bStop = 0;
     std::array<uint8_t, kChunkBytes> buffer{};
     uint64_t ullDone = 0;
     while (ullDone < ullSize && hr >= 0) {
@@ -844,8 +825,8 @@ qmz::Result CImageReader::StreamFile(const QString& source, ImageReadSink pfnSin
             hr = nRead == 0 ? qmz::kEngineReadFailed : qmz::kFail;
         }
         ullDone += nRead;
-        Pump();
-        if (m_bStop != 0) {
+        m_progress.Pump();
+        if (m_progress.bStop != 0) {
             hr = qmz::kStopped;
         }
     }

@@ -7,6 +7,7 @@
 #include "ChunkQueue.h"
 #include "MountTable.h"
 #include "NamedMutex.h"
+#include "ReaderProgress.h"
 #include "contract/IQmzDrive.h"
 #include "contract/IQmzEngine.h"
 #include "contract/IQmzFileSystem.h"
@@ -23,29 +24,11 @@
 class CEngineModule;
 class COvDataItem;
 
-// Notification codes sent to the callback.
-enum : uint32_t {
-    NOTIFY_COPY_BEGIN = 0x8001,
-    NOTIFY_COPY_END = 0x8002,
-    NOTIFY_NO_ROOM = 0x8004,
-    NOTIFY_OPEN_BEGIN = 0x8005,
-    NOTIFY_OPEN_END = 0x8006,
-    NOTIFY_WRITE_FAILED = 0x8007,
-    NOTIFY_READ_FAILED = 0x8008,
-    NOTIFY_ACCESS_DENIED = 0x8009,
-    NOTIFY_STOPPING = 0x800A,
-};
-
 // Query codes of GetProgress.
 enum : int32_t { PROGRESS_OPEN = 5000, PROGRESS_COPY = 5001 };
 
-// Payloads are null-terminated paths that live only during the call.
-using ImageReaderCallback = void (*)(uint32_t code, const char16_t* pPayload, void* pContext);
 // Takes the pieces of a file that StreamFile reads; false ends the read.
 using ImageReadSink = bool (*)(const uint8_t* pData, uint32_t nLength, void* pContext);
-// Lets the front end's events run during long work: a window processes its messages, a
-// terminal program notices Ctrl+C. A stop request arrives through SetStop.
-using ImageReaderPump = void (*)(void* pContext);
 
 class CImageReader {
 public:
@@ -57,15 +40,15 @@ public:
 
     int SetCallback(ImageReaderCallback pfnCallback, void* pContext);
     void SetPump(ImageReaderPump pfnPump, void* pContext);
-    bool IsOpening() const { return m_bOpening != 0; }
+    bool IsOpening() const { return m_progress.bOpening != 0; }
     int32_t GetProgress(int32_t query, int32_t* pPercent) const;
-    void SetStop(int32_t bStop) { m_bStop = bStop; }
-    bool IsCopying() const { return m_bCopying != 0; }
-    void SetCopyPercent(int32_t nPercent) { m_nCopyPercent = nPercent; }
-    void SetTotalBytes(uint64_t ullBytes) { m_ullTotalBytes = ullBytes; }
-    uint64_t GetTotalBytes() const { return m_ullTotalBytes; }
-    void SetDoneBytes(uint64_t ullBytes) { m_ullDoneBytes = ullBytes; }
-    uint64_t GetDoneBytes() const { return m_ullDoneBytes; }
+    void SetStop(int32_t bStop) { m_progress.bStop = bStop; }
+    bool IsCopying() const { return m_progress.bCopying != 0; }
+    void SetCopyPercent(int32_t nPercent) { m_progress.nCopyPercent = nPercent; }
+    void SetTotalBytes(uint64_t ullBytes) { m_progress.ullTotalBytes = ullBytes; }
+    uint64_t GetTotalBytes() const { return m_progress.ullTotalBytes; }
+    void SetDoneBytes(uint64_t ullBytes) { m_progress.ullDoneBytes = ullBytes; }
+    uint64_t GetDoneBytes() const { return m_progress.ullDoneBytes; }
 
     qmz::Result OpenImage(const QString& imagePath, COvDataItem* pRoot);
     qmz::Result ReopenImage();
@@ -111,8 +94,6 @@ private:
     qmz::Result StopScan();
     qmz::Result WalkTree(COvDataItem* pRoot);
     qmz::Result ListEntries(COvDataItem* pNode, const QString& folderPath, struct WalkState& state);
-    void Notify(uint32_t code, const QString& payload, size_t payloadChars);
-    void Pump();
     void PumpPaced(struct WalkState& state);
     void StartJob();
     qmz::Result FinishJob(qmz::Result hr);
@@ -136,6 +117,7 @@ private:
     static constexpr size_t kWriteBatchChunks = 32;
     void WriteChunks(int fd, const ImageChunk* pChunks, size_t nChunks);
 
+    ReaderProgress m_progress;
     CEngineModule* m_pModule = nullptr;
     qmz::IQmzEngine* m_pEngine = nullptr;
     qmz::IQmzDrive* m_pDrv = nullptr;
@@ -143,26 +125,15 @@ private:
     qmz::IQmzFileSystem* m_pFileSystem = nullptr;
     int32_t m_bAttached = 0;
     int32_t m_bLoaded = 0;
-    // Written on one thread and polled on the other while a file is copied.
-    std::atomic<int32_t> m_bStop = 0;
+    // Set on the writer's thread, read on the reading side's.
     std::atomic<int32_t> m_bWriteFailed = 0;
     std::atomic<int32_t> m_bAccessDenied = 0;
-    std::atomic<int32_t> m_nCopyPercent = 0;
-    std::atomic<uint64_t> m_ullDoneBytes = 0;
-    std::atomic<uint64_t> m_ullTotalBytes = 0;
-    int32_t m_bOpening = 0;
-    int32_t m_bCopying = 0;
-    int32_t m_nOpenPercent = 0;
     ChunkQueue m_oBuffers;
     std::thread m_hWriterThread;
     QString m_strDstFile;
     // The target that the reading side could not finish, removed when the job ends.
     QString m_strUnfinishedTarget;
     CDiskRoomPolicy m_diskRoom;
-    ImageReaderCallback m_pfnCallback = nullptr;
-    void* m_pCallbackContext = nullptr;
-    ImageReaderPump m_pfnPump = nullptr;
-    void* m_pPumpContext = nullptr;
     QString m_szImagePath;
     NamedMutex m_hImageMutex;
     int32_t m_nEntryCount = 0;
