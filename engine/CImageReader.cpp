@@ -1,9 +1,8 @@
 #include "CImageReader.h"
 
-#include "CEngineModule.h"
 #include "COvDataItem.h"
+#include "EngineFields.h"
 #include "FileTimeConversion.h"
-#include "contract/IBwRegPath.h"
 
 #include <QDir>
 #include <QFile>
@@ -17,18 +16,12 @@
 #include <cstring>
 #include <deque>
 #include <fcntl.h>
-#include <new>
 #include <sys/stat.h>
 #include <sys/uio.h>
 #include <unistd.h>
 
 namespace {
 
-constexpr const char16_t* kEngineFileName = u"Qmz.so";
-constexpr const char16_t* kSettingsKey = u"Software\\Brindleway\\Torvane10\\10.0";
-constexpr uint32_t kWaitTimeoutMs = 100;
-constexpr int32_t kOpenScanLimit = 50;
-constexpr int32_t kReopenScanLimit = 100;
 constexpr float kWalkPercentStart = 50.0f;
 constexpr float kWalkPercentSpan = 50.0f;
 constexpr int32_t kPercentMax = 100;
@@ -42,25 +35,6 @@ constexpr auto kWriterWait = std::chrono::milliseconds(100);
 // itself on large images; between pumps the stop flag is still polled after every entry.
 constexpr auto kPumpInterval = std::chrono::milliseconds(15);
 constexpr uint32_t kPumpClockStride = 64;
-
-QString ExecutableFolder() {
-    const QFileInfo exe(QStringLiteral("/proc/self/exe"));
-    return QFileInfo(exe.canonicalFilePath()).absolutePath();
-}
-
-QStringView NameOf(const qmz::file_attr& attr) {
-    const char16_t* pName = attr.strName;
-    const char16_t* pEnd = std::find(pName, pName + qmz::kNameChars, u'\0');
-    return QStringView(pName, pEnd - pName);
-}
-
-uint64_t TicksOf(const qmz::FileTime& ft) {
-    return (static_cast<uint64_t>(ft.dwHighDateTime) << 32) | ft.dwLowDateTime;
-}
-
-qmz::FileTime FileTimeOf(uint64_t ticks) {
-    return {static_cast<uint32_t>(ticks), static_cast<uint32_t>(ticks >> 32)};
-}
 
 // Writes all the parts, going on after a partial write; returns the bytes written, fewer than
 // asked for when the system refused the rest.
@@ -89,11 +63,10 @@ size_t WriteAll(int fd, iovec* pParts, size_t nParts) {
     return nTotal;
 }
 
-const char16_t* Utf16(const QString& text) {
-    return reinterpret_cast<const char16_t*>(text.utf16());
-}
-
 } // namespace
+
+using enginefields::NameOf;
+using enginefields::Utf16;
 
 // The walk's queues and its one entry record, reused for every entry.
 struct WalkState {
@@ -107,30 +80,14 @@ struct WalkState {
         std::chrono::steady_clock::now() - kPumpInterval;
 };
 
-CImageReader::CImageReader(const QString& enginePath) : m_oBuffers(kMaxQueuedBytes) {
-    m_pModule = new (std::nothrow) CEngineModule();
-    if (m_pModule == nullptr) {
-        return;
-    }
-    const QString folder = ExecutableFolder();
-    // The engine and the skin are found relative to the program's own folder.
-    if (!QDir::setCurrent(folder)) {
-        return;
-    }
-    const QString path =
-        enginePath.isEmpty() ? folder + u'/' + QString::fromUtf16(kEngineFileName) : enginePath;
-    if (m_pModule->Load(path) >= 0) {
-        ConnectEngine();
-    }
-}
+CImageReader::CImageReader(const QString& enginePath)
+    : m_session(m_progress, enginePath), m_oBuffers(kMaxQueuedBytes) {}
 
 CImageReader::~CImageReader() {
     if (m_hWriterThread.joinable()) {
         m_oBuffers.Shutdown();
         m_hWriterThread.join();
     }
-    DisconnectEngine();
-    delete m_pModule;
 }
 
 int CImageReader::SetCallback(ImageReaderCallback pfnCallback, void* pContext) {
@@ -157,50 +114,15 @@ int32_t CImageReader::GetProgress(int32_t query, int32_t* pPercent) const {
 }
 
 qmz::Result CImageReader::ConnectEngine() {
-    if (m_pEngine != nullptr) {
-        return qmz::kOk;
-    }
-    qmz::Result hr = qmz::kUnexpected;
-    if (m_pModule != nullptr) {
-        hr = m_pModule->CreateObject(qmz::kClsidQmzEngine, nullptr, qmz::kIidQmzEngine,
-                                     reinterpret_cast<void**>(&m_pEngine));
-    }
-    if (m_pEngine == nullptr) {
-        return qmz::kUnexpected;
-    }
-    qmz::IBwRegPath* pRegPath = nullptr;
-    m_pEngine->QueryInterface(qmz::kIidBwRegPath, reinterpret_cast<void**>(&pRegPath));
-    if (pRegPath != nullptr) {
-        const uint32_t hKeyRoot = qmz::kHkeyLocalMachine;
-        const auto nKeyChars =
-            static_cast<uint32_t>(std::char_traits<char16_t>::length(kSettingsKey));
-        pRegPath->SetRegPath(&hKeyRoot, kSettingsKey, nKeyChars, 1);
-        pRegPath->Release();
-    }
-    return hr;
+    return m_session.Connect();
 }
 
 void CImageReader::DisconnectEngine() {
-    CloseImage();
-    if (m_pEngine != nullptr) {
-        m_pEngine->Release();
-        m_pEngine = nullptr;
-    }
+    m_session.Disconnect();
 }
 
 qmz::Result CImageReader::CanOpen(const QString& imagePath) {
-    if (!QFileInfo::exists(imagePath)) {
-        return qmz::kUnexpected;
-    }
-    if (m_pEngine == nullptr) {
-        return qmz::kFail;
-    }
-    qmz::IQmzDrive* pDrv = nullptr;
-    const qmz::Result hr = m_pEngine->OpenDrive(0, qmz::kAccessRead, Utf16(imagePath), &pDrv);
-    if (pDrv != nullptr) {
-        pDrv->Release();
-    }
-    return hr;
+    return m_session.CanOpen(imagePath);
 }
 
 void CImageReader::PumpPaced(WalkState& state) {
@@ -214,119 +136,25 @@ void CImageReader::PumpPaced(WalkState& state) {
     }
 }
 
-qmz::Result CImageReader::OpenEngineObjects(const QString& imagePath, int32_t nPercentLimit) {
-    if (m_pEngine == nullptr) {
-        return qmz::kUnexpected;
-    }
-    QString magicKey = imagePath;
-    magicKey.replace(u'\\', u'-');
-    // Two processes of the family must not work on one image at once.
-    if (m_hImageMutex.Create(magicKey.toUpper()) == NamedMutex::State::AlreadyExists) {
-        CloseImage();
-        return qmz::kFail;
-    }
-    qmz::Result hr = m_pEngine->OpenDrive(0, qmz::kAccessRead, Utf16(imagePath), &m_pDrv);
-    if (hr >= 0 && m_pDrv == nullptr) {
-        hr = qmz::kUnexpected;
-    }
-    if (hr >= 0) {
-        m_progress.Notify(NOTIFY_OPEN_BEGIN, imagePath, ReaderProgress::kShortPayloadChars);
-        hr = CreateEngineReader();
-    }
-    if (hr >= 0) {
-        hr = m_pReader->Start(qmz::kScanOperation, 0, 0);
-        hr = WaitForScan(hr, nPercentLimit);
-    }
-    if (hr < 0) {
-        CloseImage();
-    }
-    return hr;
-}
-
-qmz::Result CImageReader::CreateEngineReader() {
-    qmz::Result hr = m_pEngine->CreateReader(qmz::kIidQmzReader, &m_pReader);
-    if (hr >= 0 && m_pReader == nullptr) {
-        hr = qmz::kUnexpected;
-    }
-    if (hr >= 0) {
-        hr = m_pReader->Attach(m_pDrv);
-        m_bAttached = hr >= 0;
-    }
-    if (hr >= 0) {
-        hr = m_pReader->Load();
-        m_bLoaded = hr >= 0;
-    }
-    if (hr >= 0) {
-        hr = m_pReader->QueryInterface(qmz::kIidQmzFileSystem,
-                                       reinterpret_cast<void**>(&m_pFileSystem));
-        if (hr >= 0 && m_pFileSystem == nullptr) {
-            hr = qmz::kUnexpected;
-        }
-    }
-    return hr;
-}
-
-qmz::Result CImageReader::WaitForScan(qmz::Result hr, int32_t nPercentLimit) {
-    while (m_progress.bStop == 0) {
-        uint32_t oState = 0;
-        float fProgress = 0.0f;
-        if (m_pReader->Wait(kWaitTimeoutMs, &oState, &fProgress) != qmz::kWaitStillRunning) {
-            break;
-        }
-        const float fPercent = static_cast<float>(nPercentLimit) * fProgress;
-        // An engine's progress is not trusted to stay within 0.0 to 1.0, nor to be a number.
-        m_progress.nOpenPercent =
-            fPercent >= 0.0f
-                ? static_cast<int32_t>(std::min(static_cast<float>(nPercentLimit), fPercent))
-                : 0;
-        m_progress.Pump();
-    }
-    if (m_progress.bStop != 0) {
-        return StopScan();
-    }
-    return m_pReader->Finish() | hr;
-}
-
-qmz::Result CImageReader::StopScan() {
-    m_progress.Notify(NOTIFY_STOPPING, QString(), ReaderProgress::kShortPayloadChars);
-    qmz::Result hr = m_pReader->Cancel();
-    for (;;) {
-        uint32_t oState = 0;
-        float fProgress = 0.0f;
-        if (m_pReader->Wait(kWaitTimeoutMs, &oState, &fProgress) != qmz::kWaitStillRunning) {
-            break;
-        }
-        m_progress.Pump();
-    }
-    hr = m_pReader->Finish() | hr;
-    return hr < 0 ? hr : qmz::kStopped;
-}
-
+// Opening is the engine's scan of the image followed by the walk of it into the tree; the image
+// is kept for a reopen only once both went through.
 qmz::Result CImageReader::OpenImage(const QString& imagePath, COvDataItem* pRoot) {
-    if (m_pEngine == nullptr) {
+    if (!m_session.HasEngine()) {
         return qmz::kUnexpected;
     }
     m_progress.bOpening = 1;
-    CloseImage();
-    m_progress.bStop = 0;
-    m_progress.nOpenPercent = 0;
-
-    qmz::Result hr = OpenEngineObjects(imagePath, kOpenScanLimit);
     qmz::fsInfo info;
-    if (hr >= 0) {
-        hr = m_pFileSystem->GetFsInfo(&info);
-    }
+    qmz::Result hr = m_session.Open(imagePath, info);
     if (hr >= 0) {
         const char16_t* pEnd = std::find(info.strVolID, info.strVolID + qmz::kVolIdChars, u'\0');
         pRoot->m_strName = QString::fromUtf16(info.strVolID, pEnd - info.strVolID).trimmed();
         m_nEntryCount = static_cast<int32_t>(info.uCount1 + info.uCount2);
-        m_uFileSystemKind = info.uFileSystem;
         hr = WalkTree(pRoot);
     }
     if (hr < 0) {
-        CloseImage();
+        m_session.Close();
     } else {
-        m_szImagePath = imagePath;
+        m_session.RememberImage(imagePath);
     }
     m_progress.bOpening = 0;
     return hr;
@@ -342,7 +170,7 @@ qmz::Result CImageReader::WalkTree(COvDataItem* pRoot) {
         state.nodes.pop_front();
         const QString folderPath = std::move(state.paths.front());
         state.paths.pop_front();
-        hr = m_pFileSystem->FindFirst(Utf16(folderPath), &state.attr);
+        hr = m_session.FileSystem()->FindFirst(Utf16(folderPath), &state.attr);
         if (hr == qmz::kFindFolderEmpty) {
             pNode->m_anSortState[COvDataItem::SortName] = 0;
             continue;
@@ -354,7 +182,7 @@ qmz::Result CImageReader::WalkTree(COvDataItem* pRoot) {
         hr = ListEntries(pNode, folderPath, state);
         pNode->SortChildrenByName();
         // A failing FindClose ends the walk, but the walk's result stays what it was.
-        if (m_pFileSystem->FindClose() < 0) {
+        if (m_session.FileSystem()->FindClose() < 0) {
             break;
         }
     }
@@ -392,7 +220,7 @@ qmz::Result CImageReader::ListEntries(COvDataItem* pNode, const QString& folderP
         if (pChild == nullptr) {
             return qmz::kUnexpected;
         }
-        pChild->m_ftTime = FileTimeOf(filetime::LocalToUtc(TicksOf(state.attr.ftLocalTime)));
+        pChild->m_ftTime = enginefields::UtcTimeOf(state.attr);
         if (bFolder) {
             state.nodes.push_back(pChild);
             state.paths.push_back(text.mid(1));
@@ -403,53 +231,23 @@ qmz::Result CImageReader::ListEntries(COvDataItem* pNode, const QString& folderP
                                                        static_cast<float>(m_nEntryCount);
         m_progress.nOpenPercent =
             static_cast<int32_t>(std::min(static_cast<float>(kPercentMax), fPercent));
-        hr = m_pFileSystem->FindNext(&state.attr);
+        hr = m_session.FileSystem()->FindNext(&state.attr);
         PumpPaced(state);
     }
     return hr;
 }
 
 qmz::Result CImageReader::ReopenImage() {
-    if (m_szImagePath.isEmpty() || !QFileInfo::exists(m_szImagePath)) {
-        return qmz::kUnexpected;
-    }
-    m_progress.bOpening = 1;
-    CloseImage();
-    const qmz::Result hr = OpenEngineObjects(m_szImagePath, kReopenScanLimit);
-    if (hr < 0) {
-        CloseImage();
-    }
-    m_progress.bOpening = 0;
-    return hr;
+    return m_session.Reopen();
 }
 
 void CImageReader::CloseImage() {
-    m_hImageMutex.Release();
-    if (m_pFileSystem != nullptr) {
-        m_pFileSystem->Release();
-        m_pFileSystem = nullptr;
-    }
-    if (m_pReader != nullptr) {
-        if (m_bLoaded != 0) {
-            m_pReader->Unload();
-            m_bLoaded = 0;
-        }
-        if (m_bAttached != 0) {
-            m_pReader->Detach();
-            m_bAttached = 0;
-        }
-        m_pReader->Release();
-        m_pReader = nullptr;
-    }
-    if (m_pDrv != nullptr) {
-        m_pDrv->Release();
-        m_pDrv = nullptr;
-    }
+    m_session.Close();
 }
 
 qmz::Result CImageReader::CopyFile(const QString& source, const QString& target,
                                    const qmz::FileTime* pTime) {
-    if (m_pFileSystem == nullptr) {
+    if (!m_session.IsImageOpen()) {
         return qmz::kUnexpected;
     }
     m_progress.bCopying = 1;
@@ -501,10 +299,10 @@ qmz::Result CImageReader::CopyJobFile(const QString& source, const QString& targ
         return qmz::kFail;
     }
     uint64_t ullSize = 0;
-    qmz::Result hr = m_pFileSystem->OpenFile(Utf16(source), &ullSize);
+    qmz::Result hr = m_session.FileSystem()->OpenFile(Utf16(source), &ullSize);
     if (hr >= 0) {
         hr = TransferFile(source, ullSize, pTime, hr);
-        m_pFileSystem->CloseFile();
+        m_session.FileSystem()->CloseFile();
     }
     if (hr < 0 && !WriterGaveUp()) {
         m_strUnfinishedTarget = target;
@@ -529,7 +327,7 @@ qmz::Result CImageReader::TransferFile(const QString& source, uint64_t ullSize,
     StartWriter();
     TargetFile file{QFile::encodeName(m_strDstFile).toStdString()};
     if (pTime != nullptr) {
-        const filetime::UnixTime t = filetime::ToUnix(TicksOf(*pTime));
+        const filetime::UnixTime t = filetime::ToUnix(enginefields::TicksOf(*pTime));
         file.bHasTime = true;
         file.modified = {static_cast<time_t>(t.seconds), static_cast<long>(t.nanoseconds)};
     }
@@ -565,7 +363,7 @@ qmz::Result CImageReader::ReadChunks(uint64_t ullLast, qmz::Result hr) {
             return qmz::kOutOfMemory;
         }
         uint32_t nRead = 0;
-        hr = m_pFileSystem->ReadFile(chunk.pData, nChunk, &nRead, 0);
+        hr = m_session.FileSystem()->ReadFile(chunk.pData, nChunk, &nRead, 0);
         if (hr < 0) {
             FreeChunk(chunk);
             m_progress.Notify(NOTIFY_READ_FAILED, QString(), ReaderProgress::kShortPayloadChars);
@@ -698,7 +496,7 @@ void CImageReader::WriteChunks(int fd, const ImageChunk* pChunks, size_t nChunks
 }
 
 qmz::Result CImageReader::CopyFolder(const QString& source, const QString& targetBase) {
-    if (m_pReader == nullptr || m_pFileSystem == nullptr) {
+    if (!m_session.IsImageOpen()) {
         return qmz::kFail;
     }
     m_progress.bCopying = 1;
@@ -719,7 +517,7 @@ qmz::Result CImageReader::CopyFolderTree(const QString& source, const QString& t
     while (!paths.empty() && m_progress.bStop == 0) {
         const QString path = std::move(paths.front());
         paths.pop_front();
-        hr = m_pFileSystem->FindFirst(Utf16(path), &attr);
+        hr = m_session.FileSystem()->FindFirst(Utf16(path), &attr);
         if (hr == qmz::kFindFolderEmpty) {
             continue;
         }
@@ -728,7 +526,7 @@ qmz::Result CImageReader::CopyFolderTree(const QString& source, const QString& t
         }
         hr = CopyListing(path, source, dstRoot, attr, paths);
         // A failing FindClose ends the walk, but the walk's result stays what it was.
-        if (m_pFileSystem->FindClose() < 0) {
+        if (m_session.FileSystem()->FindClose() < 0) {
             break;
         }
         if (hr == qmz::kFindNoMoreEntries) {
@@ -759,7 +557,7 @@ qmz::Result CImageReader::CopyListing(const QString& folderPath, const QString& 
         // The root has no name of its own to build targets from, and a name that isn't a plain
         // path component could lead outside the target folder: neither is written.
         if (folderPath.isEmpty() || !IsWritableName(name)) {
-            hr = m_pFileSystem->FindNext(&attr);
+            hr = m_session.FileSystem()->FindNext(&attr);
             continue;
         }
         const QString srcName = folderPath + u'\\' + name;
@@ -768,13 +566,13 @@ qmz::Result CImageReader::CopyListing(const QString& folderPath, const QString& 
             QDir().mkdir(dstName);
             paths.push_back(srcName);
         } else {
-            const qmz::FileTime utc = FileTimeOf(filetime::LocalToUtc(TicksOf(attr.ftLocalTime)));
+            const qmz::FileTime utc = enginefields::UtcTimeOf(attr);
             hr = CopyJobFile(srcName, dstName, &utc);
             if (hr < 0) {
                 break;
             }
         }
-        hr = m_pFileSystem->FindNext(&attr);
+        hr = m_session.FileSystem()->FindNext(&attr);
     }
     return hr;
 }
@@ -804,11 +602,11 @@ void CImageReader::SetMountTable(const QString& tablePath) {
 }
 
 qmz::Result CImageReader::StreamFile(const QString& source, ImageReadSink pfnSink, void* pContext) {
-    if (m_pFileSystem == nullptr) {
+    if (!m_session.IsImageOpen()) {
         return qmz::kUnexpected;
     }
     uint64_t ullSize = 0;
-    qmz::Result hr = m_pFileSystem->OpenFile(Utf16(source), &ullSize);
+    qmz::Result hr = m_session.FileSystem()->OpenFile(Utf16(source), &ullSize);
     if (hr < 0) {
         return hr;
     }
@@ -819,7 +617,7 @@ qmz::Result CImageReader::StreamFile(const QString& source, ImageReadSink pfnSin
         const auto nWant =
             static_cast<uint32_t>(std::min<uint64_t>(kChunkBytes, ullSize - ullDone));
         uint32_t nRead = 0;
-        hr = m_pFileSystem->ReadFile(buffer.data(), nWant, &nRead, 0);
+        hr = m_session.FileSystem()->ReadFile(buffer.data(), nWant, &nRead, 0);
         nRead = std::min(nRead, nWant);
         if (hr >= 0 && (nRead == 0 || !pfnSink(buffer.data(), nRead, pContext))) {
             hr = nRead == 0 ? qmz::kEngineReadFailed : qmz::kFail;
@@ -830,6 +628,6 @@ qmz::Result CImageReader::StreamFile(const QString& source, ImageReadSink pfnSin
             hr = qmz::kStopped;
         }
     }
-    m_pFileSystem->CloseFile();
+    m_session.FileSystem()->CloseFile();
     return hr;
 }

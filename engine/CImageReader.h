@@ -4,6 +4,7 @@
 #pragma once
 
 #include "CDiskRoomPolicy.h"
+#include "CEngineSession.h"
 #include "ChunkQueue.h"
 #include "MountTable.h"
 #include "NamedMutex.h"
@@ -21,7 +22,6 @@
 #include <deque>
 #include <thread>
 
-class CEngineModule;
 class COvDataItem;
 
 // Query codes of GetProgress.
@@ -82,16 +82,12 @@ public:
     qmz::Result StreamFile(const QString& source, ImageReadSink pfnSink, void* pContext);
 
     // The engine's word on which file system it read (the first field of fsInfo).
-    uint32_t GetFileSystemKind() const { return m_uFileSystemKind; }
-    const QString& GetImagePath() const { return m_szImagePath; }
-    bool IsImageOpen() const { return m_pFileSystem != nullptr; }
-    bool HasEngine() const { return m_pEngine != nullptr; }
+    uint32_t GetFileSystemKind() const { return m_session.FileSystemKind(); }
+    const QString& GetImagePath() const { return m_session.ImagePath(); }
+    bool IsImageOpen() const { return m_session.IsImageOpen(); }
+    bool HasEngine() const { return m_session.HasEngine(); }
 
 private:
-    qmz::Result OpenEngineObjects(const QString& imagePath, int32_t nPercentLimit);
-    qmz::Result CreateEngineReader();
-    qmz::Result WaitForScan(qmz::Result hr, int32_t nPercentLimit);
-    qmz::Result StopScan();
     qmz::Result WalkTree(COvDataItem* pRoot);
     qmz::Result ListEntries(COvDataItem* pNode, const QString& folderPath, struct WalkState& state);
     void PumpPaced(struct WalkState& state);
@@ -118,13 +114,8 @@ private:
     void WriteChunks(int fd, const ImageChunk* pChunks, size_t nChunks);
 
     ReaderProgress m_progress;
-    CEngineModule* m_pModule = nullptr;
-    qmz::IQmzEngine* m_pEngine = nullptr;
-    qmz::IQmzDrive* m_pDrv = nullptr;
-    qmz::IQmzReader* m_pReader = nullptr;
-    qmz::IQmzFileSystem* m_pFileSystem = nullptr;
-    int32_t m_bAttached = 0;
-    int32_t m_bLoaded = 0;
+    // Declared before the writer's thread, which ends before the engine goes.
+    CEngineSession m_session;
     // Set on the writer's thread, read on the reading side's.
     std::atomic<int32_t> m_bWriteFailed = 0;
     std::atomic<int32_t> m_bAccessDenied = 0;
@@ -134,8 +125,5 @@ private:
     // The target that the reading side could not finish, removed when the job ends.
     QString m_strUnfinishedTarget;
     CDiskRoomPolicy m_diskRoom;
-    QString m_szImagePath;
-    NamedMutex m_hImageMutex;
     int32_t m_nEntryCount = 0;
-    uint32_t m_uFileSystemKind = 0;
 };
