@@ -22,19 +22,12 @@
 
 namespace {
 
-constexpr float kWalkPercentStart = 50.0f;
-constexpr float kWalkPercentSpan = 50.0f;
-constexpr int32_t kPercentMax = 100;
 constexpr uint32_t kChunkBytes = 32768;
 // Read-ahead that a slow target disk lets pile up before the reading side waits for it.
 constexpr size_t kMaxQueuedBytes = size_t{64} << 20;
 // Slices in which the reading side waits for the writer, keeping the interface alive between.
 constexpr auto kAppendWait = std::chrono::milliseconds(10);
 constexpr auto kWriterWait = std::chrono::milliseconds(100);
-// Letting a window process its messages after every entry would cost more than the walk
-// itself on large images; between pumps the stop flag is still polled after every entry.
-constexpr auto kPumpInterval = std::chrono::milliseconds(15);
-constexpr uint32_t kPumpClockStride = 64;
 
 // Writes all the parts, going on after a partial write; returns the bytes written, fewer than
 // asked for when the system refused the rest.
@@ -67,18 +60,6 @@ size_t WriteAll(int fd, iovec* pParts, size_t nParts) {
 
 using enginefields::NameOf;
 using enginefields::Utf16;
-
-// The walk's queues and its one entry record, reused for every entry.
-struct WalkState {
-    std::deque<COvDataItem*> nodes;
-    std::deque<QString> paths;
-    qmz::file_attr attr;
-    int32_t nDone = 0;
-    uint32_t nPumpTick = 0;
-    // The first stride of entries already pumps, so a stop or a repaint never waits long.
-    std::chrono::steady_clock::time_point lastPump =
-        std::chrono::steady_clock::now() - kPumpInterval;
-};
 
 CImageReader::CImageReader(const QString& enginePath)
     : m_session(m_progress, enginePath), m_oBuffers(kMaxQueuedBytes) {}
@@ -125,17 +106,6 @@ qmz::Result CImageReader::CanOpen(const QString& imagePath) {
     return m_session.CanOpen(imagePath);
 }
 
-void CImageReader::PumpPaced(WalkState& state) {
-    if (++state.nPumpTick % kPumpClockStride != 0) {
-        return;
-    }
-    const auto now = std::chrono::steady_clock::now();
-    if (now - state.lastPump >= kPumpInterval) {
-        state.lastPump = now;
-        m_progress.Pump();
-    }
-}
-
 // Opening is the engine's scan of the image followed by the walk of it into the tree; the image
 // is kept for a reopen only once both went through.
 qmz::Result CImageReader::OpenImage(const QString& imagePath, COvDataItem* pRoot) {
@@ -148,8 +118,8 @@ qmz::Result CImageReader::OpenImage(const QString& imagePath, COvDataItem* pRoot
     if (hr >= 0) {
         const char16_t* pEnd = std::find(info.strVolID, info.strVolID + qmz::kVolIdChars, u'\0');
         pRoot->m_strName = QString::fromUtf16(info.strVolID, pEnd - info.strVolID).trimmed();
-        m_nEntryCount = static_cast<int32_t>(info.uCount1 + info.uCount2);
-        hr = WalkTree(pRoot);
+        hr = m_walk.Run(*m_session.FileSystem(), pRoot,
+                        static_cast<int32_t>(info.uCount1 + info.uCount2));
     }
     if (hr < 0) {
         m_session.Close();
@@ -157,83 +127,6 @@ qmz::Result CImageReader::OpenImage(const QString& imagePath, COvDataItem* pRoot
         m_session.RememberImage(imagePath);
     }
     m_progress.bOpening = 0;
-    return hr;
-}
-
-qmz::Result CImageReader::WalkTree(COvDataItem* pRoot) {
-    WalkState state;
-    state.nodes.push_back(pRoot);
-    state.paths.emplace_back();
-    qmz::Result hr = qmz::kOk;
-    while (!state.nodes.empty() && m_progress.bStop == 0) {
-        COvDataItem* pNode = state.nodes.front();
-        state.nodes.pop_front();
-        const QString folderPath = std::move(state.paths.front());
-        state.paths.pop_front();
-        hr = m_session.FileSystem()->FindFirst(Utf16(folderPath), &state.attr);
-        if (hr == qmz::kFindFolderEmpty) {
-            pNode->m_anSortState[COvDataItem::SortName] = 0;
-            continue;
-        }
-        if (hr < 0) {
-            break;
-        }
-        pNode->m_anSortState[COvDataItem::SortName] = 1;
-        hr = ListEntries(pNode, folderPath, state);
-        pNode->SortChildrenByName();
-        // A failing FindClose ends the walk, but the walk's result stays what it was.
-        if (m_session.FileSystem()->FindClose() < 0) {
-            break;
-        }
-    }
-    if (m_progress.bStop != 0) {
-        hr = qmz::kStopped;
-    }
-    if (hr == qmz::kFindFolderEmpty || hr == qmz::kFindNoMoreEntries) {
-        hr = qmz::kOk;
-    }
-    return hr;
-}
-
-// Adds the entries of a listing that FindFirst has begun. A failure or a stop only ends this
-// folder; the code that ended it is returned, kFindNoMoreEntries when all went well.
-qmz::Result CImageReader::ListEntries(COvDataItem* pNode, const QString& folderPath,
-                                      WalkState& state) {
-    // One buffer for every child's path text: "\" + folder path + "\" + name.
-    QString text = u'\\' + folderPath;
-    if (!folderPath.isEmpty()) {
-        text += u'\\';
-    }
-    const qsizetype nPrefix = text.size();
-    qmz::Result hr = qmz::kOk;
-    while (hr >= 0) {
-        if (m_progress.bStop != 0) {
-            return qmz::kStopped;
-        }
-        text.truncate(nPrefix);
-        text.append(NameOf(state.attr));
-        const bool bFolder = (state.attr.uAttributes & qmz::kAttrDirectory) != 0;
-        COvDataItem* pChild =
-            pNode->AddChild(text, bFolder ? COvDataItem::KindFolder : COvDataItem::KindFile,
-                            static_cast<uint32_t>(state.attr.ullSize),
-                            static_cast<uint32_t>(state.attr.ullSize >> 32));
-        if (pChild == nullptr) {
-            return qmz::kUnexpected;
-        }
-        pChild->m_ftTime = enginefields::UtcTimeOf(state.attr);
-        if (bFolder) {
-            state.nodes.push_back(pChild);
-            state.paths.push_back(text.mid(1));
-        }
-        ++state.nDone;
-        const float fPercent = kWalkPercentStart + static_cast<float>(state.nDone) *
-                                                       kWalkPercentSpan /
-                                                       static_cast<float>(m_nEntryCount);
-        m_progress.nOpenPercent =
-            static_cast<int32_t>(std::min(static_cast<float>(kPercentMax), fPercent));
-        hr = m_session.FileSystem()->FindNext(&state.attr);
-        PumpPaced(state);
-    }
     return hr;
 }
 

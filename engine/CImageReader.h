@@ -5,6 +5,7 @@
 
 #include "CDiskRoomPolicy.h"
 #include "CEngineSession.h"
+#include "CImageWalk.h"
 #include "ChunkQueue.h"
 #include "MountTable.h"
 #include "NamedMutex.h"
@@ -88,9 +89,6 @@ public:
     bool HasEngine() const { return m_session.HasEngine(); }
 
 private:
-    qmz::Result WalkTree(COvDataItem* pRoot);
-    qmz::Result ListEntries(COvDataItem* pNode, const QString& folderPath, struct WalkState& state);
-    void PumpPaced(struct WalkState& state);
     void StartJob();
     qmz::Result FinishJob(qmz::Result hr);
     bool WriterGaveUp() const;
@@ -116,6 +114,7 @@ private:
     ReaderProgress m_progress;
     // Declared before the writer's thread, which ends before the engine goes.
     CEngineSession m_session;
+    CImageWalk m_walk{m_progress};
     // Set on the writer's thread, read on the reading side's.
     std::atomic<int32_t> m_bWriteFailed = 0;
     std::atomic<int32_t> m_bAccessDenied = 0;
@@ -125,5 +124,4 @@ private:
     // The target that the reading side could not finish, removed when the job ends.
     QString m_strUnfinishedTarget;
     CDiskRoomPolicy m_diskRoom;
-    int32_t m_nEntryCount = 0;
 };
