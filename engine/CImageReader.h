@@ -1,41 +1,31 @@
 // The one object through which the program reaches an image: it loads and drives the engine,
 // opens an image and walks it into a tree of COvDataItem nodes, and copies files and folders
-// out of it onto a disk.
+// out of it onto a disk. Each of those jobs is a class of its own; this one ties them together
+// over the progress and notification state they share.
 #pragma once
 
 #include "CDiskRoomPolicy.h"
 #include "CEngineSession.h"
+#include "CFileExtractor.h"
 #include "CImageWalk.h"
-#include "ChunkQueue.h"
-#include "MountTable.h"
-#include "NamedMutex.h"
+#include "CTargetWriter.h"
 #include "ReaderProgress.h"
-#include "contract/IQmzDrive.h"
-#include "contract/IQmzEngine.h"
-#include "contract/IQmzFileSystem.h"
-#include "contract/IQmzReader.h"
+#include "contract/QmzTypes.h"
 
 #include <QString>
-#include <atomic>
-#include <chrono>
+#include <QStringView>
 #include <cstdint>
-#include <cstdio>
-#include <deque>
-#include <thread>
 
 class COvDataItem;
 
 // Query codes of GetProgress.
 enum : int32_t { PROGRESS_OPEN = 5000, PROGRESS_COPY = 5001 };
 
-// Takes the pieces of a file that StreamFile reads; false ends the read.
-using ImageReadSink = bool (*)(const uint8_t* pData, uint32_t nLength, void* pContext);
-
 class CImageReader {
 public:
     // Loads the engine beside the executable, or from enginePath when one is given.
     explicit CImageReader(const QString& enginePath = QString());
-    ~CImageReader();
+    ~CImageReader() = default;
     CImageReader(const CImageReader&) = delete;
     CImageReader& operator=(const CImageReader&) = delete;
 
@@ -77,6 +67,7 @@ public:
     int FileSystemCanHold(const QString& folder, uint64_t ullSize);
     // The table of mounts that FileSystemCanHold reads; tests give one of their own.
     void SetMountTable(const QString& tablePath);
+    // The body of the writer thread that extraction starts.
     static void WriterThreadProc(CImageReader* pReader);
     // Reads a file of the image from start to end into a sink of the caller's (standard output,
     // say), where a target file is not wanted. kFail if the sink gave up.
@@ -89,39 +80,11 @@ public:
     bool HasEngine() const { return m_session.HasEngine(); }
 
 private:
-    void StartJob();
-    qmz::Result FinishJob(qmz::Result hr);
-    bool WriterGaveUp() const;
-    qmz::Result CopyJobFile(const QString& source, const QString& target,
-                            const qmz::FileTime* pTime);
-    qmz::Result TransferFile(const QString& source, uint64_t ullSize, const qmz::FileTime* pTime,
-                             qmz::Result hr);
-    qmz::Result ReadChunks(uint64_t ullLast, qmz::Result hr);
-    qmz::Result AppendChunk(const ImageChunk& chunk);
-    bool KeepWaitingForRoom();
-    void WaitForWriter();
-    void StartWriter();
-    qmz::Result CopyFolderTree(const QString& source, const QString& targetBase);
-    qmz::Result CopyListing(const QString& folderPath, const QString& source,
-                            const QString& dstRoot, qmz::file_attr& attr,
-                            std::deque<QString>& paths);
-    void WriteTargetFile(const TargetFile& file);
-    void GiveUpTarget(const std::string& path);
-    // Chunks written with one call: a megabyte, where one call a chunk would cost 32 calls.
-    static constexpr size_t kWriteBatchChunks = 32;
-    void WriteChunks(int fd, const ImageChunk* pChunks, size_t nChunks);
-
     ReaderProgress m_progress;
-    // Declared before the writer's thread, which ends before the engine goes.
+    // Members are destroyed in reverse order: the writer thread ends before the engine goes.
     CEngineSession m_session;
     CImageWalk m_walk{m_progress};
-    // Set on the writer's thread, read on the reading side's.
-    std::atomic<int32_t> m_bWriteFailed = 0;
-    std::atomic<int32_t> m_bAccessDenied = 0;
-    ChunkQueue m_oBuffers;
-    std::thread m_hWriterThread;
-    QString m_strDstFile;
-    // The target that the reading side could not finish, removed when the job ends.
-    QString m_strUnfinishedTarget;
     CDiskRoomPolicy m_diskRoom;
+    CTargetWriter m_writer{m_progress};
+    CFileExtractor m_extractor{m_progress, m_session, m_diskRoom, m_writer};
 };
