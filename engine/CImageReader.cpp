@@ -1,155 +1,20 @@
 #include "CImageReader.h"
 
-#include "CEngineModule.h"
 #include "COvDataItem.h"
-#include "FileTimeConversion.h"
-#include "IBwRegPath.h"
-
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
 
 #include <algorithm>
-#include <array>
-#include <cerrno>
-#include <chrono>
-#include <cstdlib>
-#include <cstring>
-#include <deque>
-#include <fcntl.h>
-#include <new>
-#include <sys/stat.h>
-#include <sys/statvfs.h>
-#include <sys/uio.h>
-#include <unistd.h>
 
-namespace {
-
-constexpr const char16_t* kEngineFileName = u"Qmz.so";
-constexpr const char16_t* kSettingsKey = u"Software\\Brindleway\\Torvane10\\10.0";
-constexpr uint32_t kWaitTimeoutMs = 100;
-constexpr int32_t kOpenScanLimit = 50;
-constexpr int32_t kReopenScanLimit = 100;
-constexpr float kWalkPercentStart = 50.0f;
-constexpr float kWalkPercentSpan = 50.0f;
-constexpr int32_t kPercentMax = 100;
-// Payload sizes in characters, as the receivers of the notifications expect them.
-constexpr size_t kShortPayloadChars = 260;
-constexpr size_t kLongPayloadChars = 520;
-constexpr uint32_t kChunkBytes = 32768;
-// Read-ahead that a slow target disk lets pile up before the reading side waits for it.
-constexpr size_t kMaxQueuedBytes = size_t{64} << 20;
-// Slices in which the reading side waits for the writer, keeping the interface alive between.
-constexpr auto kAppendWait = std::chrono::milliseconds(10);
-constexpr auto kWriterWait = std::chrono::milliseconds(100);
-constexpr auto kCapacityLifetime = std::chrono::seconds(1);
-// One percent of the free room is held back when a job's size is checked against it.
-constexpr double kRoomMargin = 1.01;
-// Letting a window process its messages after every entry would cost more than the walk
-// itself on large images; between pumps the stop flag is still polled after every entry.
-constexpr auto kPumpInterval = std::chrono::milliseconds(15);
-constexpr uint32_t kPumpClockStride = 64;
-
-QString ExecutableFolder() {
-    const QFileInfo exe(QStringLiteral("/proc/self/exe"));
-    return QFileInfo(exe.canonicalFilePath()).absolutePath();
-}
-
-QStringView NameOf(const qmz::file_attr& attr) {
-    const char16_t* pName = attr.strName;
-    const char16_t* pEnd = std::find(pName, pName + qmz::kNameChars, u'\0');
-    return QStringView(pName, pEnd - pName);
-}
-
-uint64_t TicksOf(const qmz::FileTime& ft) {
-    return (static_cast<uint64_t>(ft.dwHighDateTime) << 32) | ft.dwLowDateTime;
-}
-
-qmz::FileTime FileTimeOf(uint64_t ticks) {
-    return {static_cast<uint32_t>(ticks), static_cast<uint32_t>(ticks >> 32)};
-}
-
-// Writes all the parts, going on after a partial write; returns the bytes written, fewer than
-// asked for when the system refused the rest.
-size_t WriteAll(int fd, iovec* pParts, size_t nParts) {
-    size_t nTotal = 0;
-    while (nParts > 0) {
-        const ssize_t n = ::writev(fd, pParts, static_cast<int>(nParts));
-        if (n < 0 && errno == EINTR) {
-            continue;
-        }
-        if (n <= 0) {
-            break;
-        }
-        nTotal += static_cast<size_t>(n);
-        auto nLeft = static_cast<size_t>(n);
-        while (nParts > 0 && nLeft >= pParts->iov_len) {
-            nLeft -= pParts->iov_len;
-            ++pParts;
-            --nParts;
-        }
-        if (nParts > 0) {
-            pParts->iov_base = static_cast<uint8_t*>(pParts->iov_base) + nLeft;
-            pParts->iov_len -= nLeft;
-        }
-    }
-    return nTotal;
-}
-
-const char16_t* Utf16(const QString& text) {
-    return reinterpret_cast<const char16_t*>(text.utf16());
-}
-
-} // namespace
-
-// The walk's queues and its one entry record, reused for every entry.
-struct WalkState {
-    std::deque<COvDataItem*> nodes;
-    std::deque<QString> paths;
-    qmz::file_attr attr;
-    int32_t nDone = 0;
-    uint32_t nPumpTick = 0;
-    // The first stride of entries already pumps, so a stop or a repaint never waits long.
-    std::chrono::steady_clock::time_point lastPump =
-        std::chrono::steady_clock::now() - kPumpInterval;
-};
-
-CImageReader::CImageReader(const QString& enginePath)
-    : m_oBuffers(kMaxQueuedBytes), m_mountTablePath(MountTable::SystemTablePath()) {
-    m_pModule = new (std::nothrow) CEngineModule();
-    if (m_pModule == nullptr) {
-        return;
-    }
-    const QString folder = ExecutableFolder();
-    // The engine and the skin are found relative to the program's own folder.
-    if (!QDir::setCurrent(folder)) {
-        return;
-    }
-    const QString path =
-        enginePath.isEmpty() ? folder + u'/' + QString::fromUtf16(kEngineFileName) : enginePath;
-    if (m_pModule->Load(path) >= 0) {
-        ConnectEngine();
-    }
-}
-
-CImageReader::~CImageReader() {
-    if (m_hWriterThread.joinable()) {
-        m_oBuffers.Shutdown();
-        m_hWriterThread.join();
-    }
-    DisconnectEngine();
-    delete m_pModule;
-}
+CImageReader::CImageReader(const QString& enginePath) : m_session(m_progress, enginePath) {}
 
 int CImageReader::SetCallback(ImageReaderCallback pfnCallback, void* pContext) {
-    m_pfnCallback = pfnCallback;
-    m_pCallbackContext = pContext;
+    m_progress.pfnCallback = pfnCallback;
+    m_progress.pCallbackContext = pContext;
     return 1;
 }
 
 void CImageReader::SetPump(ImageReaderPump pfnPump, void* pContext) {
-    m_pfnPump = pfnPump;
-    m_pPumpContext = pContext;
+    m_progress.pfnPump = pfnPump;
+    m_progress.pPumpContext = pContext;
 }
 
 int32_t CImageReader::GetProgress(int32_t query, int32_t* pPercent) const {
@@ -157,722 +22,96 @@ int32_t CImageReader::GetProgress(int32_t query, int32_t* pPercent) const {
         return 0;
     }
     if (query == PROGRESS_OPEN) {
-        *pPercent = m_nOpenPercent;
+        *pPercent = m_progress.nOpenPercent;
     } else if (query == PROGRESS_COPY) {
-        *pPercent = m_nCopyPercent;
+        *pPercent = m_progress.nCopyPercent;
     }
     return 0;
 }
 
-qmz::Result CImageReader::ConnectEngine() {
-    if (m_pEngine != nullptr) {
-        return qmz::kOk;
-    }
-    qmz::Result hr = qmz::kUnexpected;
-    if (m_pModule != nullptr) {
-        hr = m_pModule->CreateObject(qmz::kClsidQmzEngine, nullptr, qmz::kIidQmzEngine,
-                                     reinterpret_cast<void**>(&m_pEngine));
-    }
-    if (m_pEngine == nullptr) {
-        return qmz::kUnexpected;
-    }
-    qmz::IBwRegPath* pRegPath = nullptr;
-    m_pEngine->QueryInterface(qmz::kIidBwRegPath, reinterpret_cast<void**>(&pRegPath));
-    if (pRegPath != nullptr) {
-        const uint32_t hKeyRoot = qmz::kHkeyLocalMachine;
-        const auto nKeyChars =
-            static_cast<uint32_t>(std::char_traits<char16_t>::length(kSettingsKey));
-        pRegPath->SetRegPath(&hKeyRoot, kSettingsKey, nKeyChars, 1);
-        pRegPath->Release();
-    }
-    return hr;
-}
-
-void CImageReader::DisconnectEngine() {
-    CloseImage();
-    if (m_pEngine != nullptr) {
-        m_pEngine->Release();
-        m_pEngine = nullptr;
-    }
-}
-
-qmz::Result CImageReader::CanOpen(const QString& imagePath) {
-    if (!QFileInfo::exists(imagePath)) {
-        return qmz::kUnexpected;
-    }
-    if (m_pEngine == nullptr) {
-        return qmz::kFail;
-    }
-    qmz::IQmzDrive* pDrv = nullptr;
-    const qmz::Result hr = m_pEngine->OpenDrive(0, qmz::kAccessRead, Utf16(imagePath), &pDrv);
-    if (pDrv != nullptr) {
-        pDrv->Release();
-    }
-    return hr;
-}
-
-void CImageReader::Notify(uint32_t code, const QString& payload, size_t payloadChars) {
-    if (m_pfnCallback == nullptr) {
-        return;
-    }
-    std::array<char16_t, 2 * kShortPayloadChars> buffer{};
-    const size_t nChars =
-        std::min(static_cast<size_t>(payload.size()), std::min(payloadChars, buffer.size()) - 1);
-    std::memcpy(buffer.data(), payload.utf16(), nChars * sizeof(char16_t));
-    m_pfnCallback(code, buffer.data(), m_pCallbackContext);
-}
-
-void CImageReader::Pump() {
-    if (m_pfnPump != nullptr) {
-        m_pfnPump(m_pPumpContext);
-    }
-}
-
-void CImageReader::PumpPaced(WalkState& state) {
-    if (++state.nPumpTick % kPumpClockStride != 0) {
-        return;
-    }
-    const auto now = std::chrono::steady_clock::now();
-    if (now - state.lastPump >= kPumpInterval) {
-        state.lastPump = now;
-        Pump();
-    }
-}
-
-qmz::Result CImageReader::OpenEngineObjects(const QString& imagePath, int32_t nPercentLimit) {
-    if (m_pEngine == nullptr) {
-        return qmz::kUnexpected;
-    }
-    QString magicKey = imagePath;
-    magicKey.replace(u'\\', u'-');
-    // Two processes of the family must not work on one image at once.
-    if (m_hImageMutex.Create(magicKey.toUpper()) == NamedMutex::State::AlreadyExists) {
-        CloseImage();
-        return qmz::kFail;
-    }
-    qmz::Result hr = m_pEngine->OpenDrive(0, qmz::kAccessRead, Utf16(imagePath), &m_pDrv);
-    if (hr >= 0 && m_pDrv == nullptr) {
-        hr = qmz::kUnexpected;
-    }
-    if (hr >= 0) {
-        Notify(NOTIFY_OPEN_BEGIN, imagePath, kShortPayloadChars);
-        hr = CreateEngineReader();
-    }
-    if (hr >= 0) {
-        hr = m_pReader->Start(qmz::kScanOperation, 0, 0);
-        hr = WaitForScan(hr, nPercentLimit);
-    }
-    if (hr < 0) {
-        CloseImage();
-    }
-    return hr;
-}
-
-qmz::Result CImageReader::CreateEngineReader() {
-    qmz::Result hr = m_pEngine->CreateReader(qmz::kIidQmzReader, &m_pReader);
-    if (hr >= 0 && m_pReader == nullptr) {
-        hr = qmz::kUnexpected;
-    }
-    if (hr >= 0) {
-        hr = m_pReader->Attach(m_pDrv);
-        m_bAttached = hr >= 0;
-    }
-    if (hr >= 0) {
-        hr = m_pReader->Load();
-        m_bLoaded = hr >= 0;
-    }
-    if (hr >= 0) {
-        hr = m_pReader->QueryInterface(qmz::kIidQmzFileSystem,
-                                       reinterpret_cast<void**>(&m_pFileSystem));
-        if (hr >= 0 && m_pFileSystem == nullptr) {
-            hr = qmz::kUnexpected;
-        }
-    }
-    return hr;
-}
-
-qmz::Result CImageReader::WaitForScan(qmz::Result hr, int32_t nPercentLimit) {
-    while (m_bStop == 0) {
-        uint32_t oState = 0;
-        float fProgress = 0.0f;
-        if (m_pReader->Wait(kWaitTimeoutMs, &oState, &fProgress) != qmz::kWaitStillRunning) {
-            break;
-        }
-        const float fPercent = static_cast<float>(nPercentLimit) * fProgress;
-        // An engine's progress is not trusted to stay within 0.0 to 1.0, nor to be a number.
-        m_nOpenPercent =
-            fPercent >= 0.0f
-                ? static_cast<int32_t>(std::min(static_cast<float>(nPercentLimit), fPercent))
-                : 0;
-        Pump();
-    }
-    if (m_bStop != 0) {
-        return StopScan();
-    }
-    return m_pReader->Finish() | hr;
-}
-
-qmz::Result CImageReader::StopScan() {
-    Notify(NOTIFY_STOPPING, QString(), kShortPayloadChars);
-    qmz::Result hr = m_pReader->Cancel();
-    for (;;) {
-        uint32_t oState = 0;
-        float fProgress = 0.0f;
-        if (m_pReader->Wait(kWaitTimeoutMs, &oState, &fProgress) != qmz::kWaitStillRunning) {
-            break;
-        }
-        Pump();
-    }
-    hr = m_pReader->Finish() | hr;
-    return hr < 0 ? hr : qmz::kStopped;
-}
-
+// Opening is the engine's scan of the image followed by the walk of it into the tree; the image
+// is kept for a reopen only once both went through.
 qmz::Result CImageReader::OpenImage(const QString& imagePath, COvDataItem* pRoot) {
-    if (m_pEngine == nullptr) {
+    if (!m_session.HasEngine()) {
         return qmz::kUnexpected;
     }
-    m_bOpening = 1;
-    CloseImage();
-    m_bStop = 0;
-    m_nOpenPercent = 0;
-
-    qmz::Result hr = OpenEngineObjects(imagePath, kOpenScanLimit);
+    m_progress.bOpening = 1;
     qmz::fsInfo info;
-    if (hr >= 0) {
-        hr = m_pFileSystem->GetFsInfo(&info);
-    }
+    qmz::Result hr = m_session.Open(imagePath, info);
     if (hr >= 0) {
         const char16_t* pEnd = std::find(info.strVolID, info.strVolID + qmz::kVolIdChars, u'\0');
         pRoot->m_strName = QString::fromUtf16(info.strVolID, pEnd - info.strVolID).trimmed();
-        m_nEntryCount = static_cast<int32_t>(info.uCount1 + info.uCount2);
-        m_uFileSystemKind = info.uFileSystem;
-        hr = WalkTree(pRoot);
+        hr = m_walk.Run(*m_session.FileSystem(), pRoot,
+                        static_cast<int32_t>(info.uCount1 + info.uCount2));
     }
     if (hr < 0) {
-        CloseImage();
+        m_session.Close();
     } else {
-        m_szImagePath = imagePath;
+        m_session.RememberImage(imagePath);
     }
-    m_bOpening = 0;
+    m_progress.bOpening = 0;
     return hr;
 }
 
-qmz::Result CImageReader::WalkTree(COvDataItem* pRoot) {
-    WalkState state;
-    state.nodes.push_back(pRoot);
-    state.paths.emplace_back();
-    qmz::Result hr = qmz::kOk;
-    while (!state.nodes.empty() && m_bStop == 0) {
-        COvDataItem* pNode = state.nodes.front();
-        state.nodes.pop_front();
-        const QString folderPath = std::move(state.paths.front());
-        state.paths.pop_front();
-        hr = m_pFileSystem->FindFirst(Utf16(folderPath), &state.attr);
-        if (hr == qmz::kFindFolderEmpty) {
-            pNode->m_anSortState[COvDataItem::SortName] = 0;
-            continue;
-        }
-        if (hr < 0) {
-            break;
-        }
-        pNode->m_anSortState[COvDataItem::SortName] = 1;
-        hr = ListEntries(pNode, folderPath, state);
-        pNode->SortChildrenByName();
-        // A failing FindClose ends the walk, but the walk's result stays what it was.
-        if (m_pFileSystem->FindClose() < 0) {
-            break;
-        }
+void CImageReader::WriterThreadProc(CImageReader* pReader) {
+    if (pReader != nullptr) {
+        pReader->m_writer.Run();
     }
-    if (m_bStop != 0) {
-        hr = qmz::kStopped;
-    }
-    if (hr == qmz::kFindFolderEmpty || hr == qmz::kFindNoMoreEntries) {
-        hr = qmz::kOk;
-    }
-    return hr;
-}
-
-// Adds the entries of a listing that FindFirst has begun. A failure or a stop only ends this
-// folder; the code that ended it is returned, kFindNoMoreEntries when all went well.
-qmz::Result CImageReader::ListEntries(COvDataItem* pNode, const QString& folderPath,
-                                      WalkState& state) {
-    // One buffer for every child's path text: "\" + folder path + "\" + name.
-    QString text = u'\\' + folderPath;
-    if (!folderPath.isEmpty()) {
-        text += u'\\';
-    }
-    const qsizetype nPrefix = text.size();
-    qmz::Result hr = qmz::kOk;
-    while (hr >= 0) {
-        if (m_bStop != 0) {
-            return qmz::kStopped;
-        }
-        text.truncate(nPrefix);
-        text.append(NameOf(state.attr));
-        const bool bFolder = (state.attr.uAttributes & qmz::kAttrDirectory) != 0;
-        COvDataItem* pChild =
-            pNode->AddChild(text, bFolder ? COvDataItem::KindFolder : COvDataItem::KindFile,
-                            static_cast<uint32_t>(state.attr.ullSize),
-                            static_cast<uint32_t>(state.attr.ullSize >> 32));
-        if (pChild == nullptr) {
-            return qmz::kUnexpected;
-        }
-        pChild->m_ftTime = FileTimeOf(filetime::LocalToUtc(TicksOf(state.attr.ftLocalTime)));
-        if (bFolder) {
-            state.nodes.push_back(pChild);
-            state.paths.push_back(text.mid(1));
-        }
-        ++state.nDone;
-        const float fPercent = kWalkPercentStart + static_cast<float>(state.nDone) *
-                                                       kWalkPercentSpan /
-                                                       static_cast<float>(m_nEntryCount);
-        m_nOpenPercent = static_cast<int32_t>(std::min(static_cast<float>(kPercentMax), fPercent));
-        hr = m_pFileSystem->FindNext(&state.attr);
-        PumpPaced(state);
-    }
-    return hr;
 }
 
 qmz::Result CImageReader::ReopenImage() {
-    if (m_szImagePath.isEmpty() || !QFileInfo::exists(m_szImagePath)) {
-        return qmz::kUnexpected;
-    }
-    m_bOpening = 1;
-    CloseImage();
-    const qmz::Result hr = OpenEngineObjects(m_szImagePath, kReopenScanLimit);
-    if (hr < 0) {
-        CloseImage();
-    }
-    m_bOpening = 0;
-    return hr;
+    return m_session.Reopen();
 }
 
 void CImageReader::CloseImage() {
-    m_hImageMutex.Release();
-    if (m_pFileSystem != nullptr) {
-        m_pFileSystem->Release();
-        m_pFileSystem = nullptr;
-    }
-    if (m_pReader != nullptr) {
-        if (m_bLoaded != 0) {
-            m_pReader->Unload();
-            m_bLoaded = 0;
-        }
-        if (m_bAttached != 0) {
-            m_pReader->Detach();
-            m_bAttached = 0;
-        }
-        m_pReader->Release();
-        m_pReader = nullptr;
-    }
-    if (m_pDrv != nullptr) {
-        m_pDrv->Release();
-        m_pDrv = nullptr;
-    }
+    m_session.Close();
+}
+
+qmz::Result CImageReader::ConnectEngine() {
+    return m_session.Connect();
+}
+
+void CImageReader::DisconnectEngine() {
+    m_session.Disconnect();
+}
+
+qmz::Result CImageReader::CanOpen(const QString& imagePath) {
+    return m_session.CanOpen(imagePath);
 }
 
 qmz::Result CImageReader::CopyFile(const QString& source, const QString& target,
                                    const qmz::FileTime* pTime) {
-    if (m_pFileSystem == nullptr) {
-        return qmz::kUnexpected;
-    }
-    m_bCopying = 1;
-    StartJob();
-    const qmz::Result hr = FinishJob(CopyJobFile(source, target, pTime));
-    m_bCopying = 0;
-    return hr;
-}
-
-void CImageReader::StartJob() {
-    m_bWriteFailed = 0;
-    m_bAccessDenied = 0;
-    m_strUnfinishedTarget.clear();
-    m_oBuffers.StartJob();
-}
-
-// Waits until the writer is through with every file of the job, then reports what it gave up
-// on and removes the target that the reading side left unfinished.
-qmz::Result CImageReader::FinishJob(qmz::Result hr) {
-    WaitForWriter();
-    if (WriterGaveUp()) {
-        hr = qmz::kFail;
-        Notify(m_bWriteFailed != 0 ? NOTIFY_WRITE_FAILED : NOTIFY_ACCESS_DENIED,
-               QFile::decodeName(QByteArray::fromStdString(m_oBuffers.FailedPath())),
-               kLongPayloadChars);
-    }
-    // A stop that came after the writer had finished every file leaves the job whole.
-    if (m_bStop != 0 && (hr == qmz::kStopped || m_oBuffers.IsAbandoned())) {
-        hr = qmz::kStopped;
-    }
-    if (!m_strUnfinishedTarget.isEmpty()) {
-        ::unlink(QFile::encodeName(m_strUnfinishedTarget).constData());
-        m_strUnfinishedTarget.clear();
-    }
-    return hr;
-}
-
-bool CImageReader::WriterGaveUp() const {
-    return m_bWriteFailed != 0 || m_bAccessDenied != 0;
-}
-
-// Hands one file to the writer, which may still be busy with the ones before it. A target that
-// the writer gave up on is its own to remove; one that the reading side could not finish, or
-// that a stop came to, is removed at the end of the job, even when it existed before.
-qmz::Result CImageReader::CopyJobFile(const QString& source, const QString& target,
-                                      const qmz::FileTime* pTime) {
-    m_strDstFile = target;
-    if (WriterGaveUp()) {
-        return qmz::kFail;
-    }
-    uint64_t ullSize = 0;
-    qmz::Result hr = m_pFileSystem->OpenFile(Utf16(source), &ullSize);
-    if (hr >= 0) {
-        hr = TransferFile(source, ullSize, pTime, hr);
-        m_pFileSystem->CloseFile();
-    }
-    if (hr < 0 && !WriterGaveUp()) {
-        m_strUnfinishedTarget = target;
-    }
-    return hr;
-}
-
-// Reads an open file into the writer's list. Returns hr, or what failed; a read's own code
-// takes hr's place.
-qmz::Result CImageReader::TransferFile(const QString& source, uint64_t ullSize,
-                                       const qmz::FileTime* pTime, qmz::Result hr) {
-    // The highest offset to read; 0 also means nothing to read, so a file of one byte is
-    // created empty, like one of none.
-    const uint64_t ullLast = ullSize == 0 ? 0 : ullSize - 1;
-    const QString folder = QFileInfo(m_strDstFile).absolutePath() + u'/';
-    if (FileSystemCanHold(folder, ullSize) == 0) {
-        Notify(NOTIFY_NO_ROOM, m_strDstFile, kLongPayloadChars);
-        return qmz::kFail;
-    }
-    m_bStop = 0;
-    Notify(NOTIFY_COPY_BEGIN, source, kShortPayloadChars);
-    StartWriter();
-    TargetFile file{QFile::encodeName(m_strDstFile).toStdString()};
-    if (pTime != nullptr) {
-        const filetime::UnixTime t = filetime::ToUnix(TicksOf(*pTime));
-        file.bHasTime = true;
-        file.modified = {static_cast<time_t>(t.seconds), static_cast<long>(t.nanoseconds)};
-    }
-    while (!m_oBuffers.BeginFile(file, kAppendWait)) {
-        if (!KeepWaitingForRoom()) {
-            return m_bStop != 0 ? qmz::kStopped : qmz::kFail;
-        }
-    }
-    hr = ReadChunks(ullLast, hr);
-    m_oBuffers.EndFile();
-    return hr;
-}
-
-qmz::Result CImageReader::ReadChunks(uint64_t ullLast, qmz::Result hr) {
-    uint64_t ullDone = 0;
-    uint32_t nChunk = kChunkBytes;
-    for (;;) {
-        if (m_bStop != 0) {
-            return qmz::kStopped;
-        }
-        if (WriterGaveUp()) {
-            return qmz::kFail;
-        }
-        if (ullDone > ullLast || ullLast == 0) {
-            return hr;
-        }
-        if (ullDone + nChunk > ullLast) {
-            nChunk = static_cast<uint32_t>(ullLast - ullDone + 1);
-        }
-        ImageChunk chunk;
-        chunk.pData = static_cast<uint8_t*>(std::calloc(nChunk, 1));
-        if (chunk.pData == nullptr) {
-            return qmz::kOutOfMemory;
-        }
-        uint32_t nRead = 0;
-        hr = m_pFileSystem->ReadFile(chunk.pData, nChunk, &nRead, 0);
-        if (hr < 0) {
-            FreeChunk(chunk);
-            Notify(NOTIFY_READ_FAILED, QString(), kShortPayloadChars);
-            return hr;
-        }
-        // An engine that claims more than it was asked for is held to the buffer's size.
-        chunk.nLength = std::min(nRead, nChunk);
-        if (AppendChunk(chunk) != qmz::kOk) {
-            FreeChunk(chunk);
-            continue;
-        }
-        ullDone += chunk.nLength;
-        Pump();
-    }
-}
-
-// Hands a chunk to the writer, waiting while its list is full; kFail, with the chunk still the
-// caller's, when the writer has given up or a stop came in the meantime.
-qmz::Result CImageReader::AppendChunk(const ImageChunk& chunk) {
-    while (!m_oBuffers.Append(chunk, kAppendWait)) {
-        if (!KeepWaitingForRoom()) {
-            return qmz::kFail;
-        }
-    }
-    return qmz::kOk;
-}
-
-// The interface stays alive while the list is full; a stop or a writer that gave up ends the
-// wait.
-bool CImageReader::KeepWaitingForRoom() {
-    Pump();
-    return m_bStop == 0 && !m_oBuffers.IsAbandoned();
-}
-
-void CImageReader::StartWriter() {
-    if (!m_hWriterThread.joinable()) {
-        m_hWriterThread = std::thread(WriterThreadProc, this);
-    }
-}
-
-void CImageReader::WaitForWriter() {
-    while (!m_oBuffers.Drain(kWriterWait)) {
-        Pump();
-    }
-}
-
-// The writer lives across the files of a job: it writes the files that the reading side hands
-// over, in order, and sleeps while there is nothing worth writing.
-void CImageReader::WriterThreadProc(CImageReader* pReader) {
-    if (pReader == nullptr) {
-        return;
-    }
-    TargetFile file;
-    while (pReader->m_oBuffers.NextFile(file)) {
-        pReader->WriteTargetFile(file);
-    }
-}
-
-// Writes one file and gives it the image's modification time; the creation and access times
-// and the permissions stay as the system made them. A failure or a stop removes the file and
-// ends the job's writing.
-void CImageReader::WriteTargetFile(const TargetFile& file) {
-    if (m_bStop != 0) {
-        m_oBuffers.Abandon({});
-        return;
-    }
-    std::FILE* pFile = std::fopen(file.path.c_str(), "wb");
-    if (pFile == nullptr) {
-        (errno == EACCES ? m_bAccessDenied : m_bWriteFailed) = 1;
-        // A failed copy leaves no target, not even one that was there before and refused to
-        // be opened for writing.
-        GiveUpTarget(file.path);
-        return;
-    }
-    // The chunks go to the system directly, several in one call; a stream buffer would only
-    // copy them once more and cost a status query per file.
-    std::setvbuf(pFile, nullptr, _IONBF, 0);
-    // Every chunk is counted and its write checked, the last ones of a file too: the reading
-    // side may finish long before the writer, and a short write there must not go unnoticed.
-    std::array<ImageChunk, kWriteBatchChunks> batch;
-    size_t nTaken = 0;
-    while (m_bStop == 0 && m_bWriteFailed == 0 &&
-           (nTaken = m_oBuffers.Take(batch.data(), batch.size())) > 0) {
-        WriteChunks(fileno(pFile), batch.data(), nTaken);
-        for (size_t i = 0; i < nTaken; ++i) {
-            FreeChunk(batch[i]);
-        }
-    }
-    if (file.bHasTime && m_bStop == 0 && m_bWriteFailed == 0) {
-        const timespec times[2] = {{0, UTIME_OMIT}, file.modified};
-        ::futimens(fileno(pFile), times);
-    }
-    // Closing can be where a disk reports that it could not keep the data.
-    if (std::fclose(pFile) != 0 && m_bStop == 0) {
-        m_bWriteFailed = 1;
-    }
-    if (m_bStop != 0 || m_bWriteFailed != 0) {
-        GiveUpTarget(file.path);
-        return;
-    }
-    m_oBuffers.FinishFile();
-}
-
-// Removes the target and ends the job's writing; a stop names no target as the failed one.
-void CImageReader::GiveUpTarget(const std::string& path) {
-    ::unlink(path.c_str());
-    m_oBuffers.Abandon(m_bStop != 0 ? std::string() : path);
-}
-
-void CImageReader::WriteChunks(int fd, const ImageChunk* pChunks, size_t nChunks) {
-    std::array<iovec, kWriteBatchChunks> parts{};
-    size_t nParts = 0;
-    size_t nWanted = 0;
-    for (size_t i = 0; i < nChunks; ++i) {
-        if (pChunks[i].pData != nullptr && pChunks[i].nLength != 0) {
-            parts[nParts++] = {pChunks[i].pData, pChunks[i].nLength};
-            nWanted += pChunks[i].nLength;
-        }
-    }
-    const size_t nWritten = WriteAll(fd, parts.data(), nParts);
-    const uint64_t ullDone = m_ullDoneBytes += nWritten;
-    const uint64_t ullTotal = m_ullTotalBytes;
-    // A job whose total was never set has no percent value to show.
-    if (ullTotal != 0) {
-        m_nCopyPercent = static_cast<int32_t>(ullDone * 100 / ullTotal);
-    }
-    if (nWritten < nWanted) {
-        m_bWriteFailed = 1;
-    }
+    return m_extractor.CopyFile(source, target, pTime);
 }
 
 qmz::Result CImageReader::CopyFolder(const QString& source, const QString& targetBase) {
-    if (m_pReader == nullptr || m_pFileSystem == nullptr) {
-        return qmz::kFail;
-    }
-    m_bCopying = 1;
-    StartJob();
-    const qmz::Result hr = FinishJob(CopyFolderTree(source, targetBase));
-    m_bCopying = 0;
-    return hr;
-}
-
-// The files of the folder go to the writer one after the other; FinishJob waits for the last.
-qmz::Result CImageReader::CopyFolderTree(const QString& source, const QString& targetBase) {
-    QDir().mkdir(targetBase);
-    const QString dstRoot = targetBase + source.mid(source.lastIndexOf(u'\\') + 1);
-    QDir().mkdir(dstRoot);
-    std::deque<QString> paths{source};
-    qmz::file_attr attr;
-    qmz::Result hr = qmz::kOk;
-    while (!paths.empty() && m_bStop == 0) {
-        const QString path = std::move(paths.front());
-        paths.pop_front();
-        hr = m_pFileSystem->FindFirst(Utf16(path), &attr);
-        if (hr == qmz::kFindFolderEmpty) {
-            continue;
-        }
-        if (hr < 0) {
-            break;
-        }
-        hr = CopyListing(path, source, dstRoot, attr, paths);
-        // A failing FindClose ends the walk, but the walk's result stays what it was.
-        if (m_pFileSystem->FindClose() < 0) {
-            break;
-        }
-        if (hr == qmz::kFindNoMoreEntries) {
-            hr = qmz::kOk;
-        }
-        if (hr < 0) {
-            break;
-        }
-    }
-    if (hr == qmz::kFindFolderEmpty || hr == qmz::kFindNoMoreEntries) {
-        hr = qmz::kOk;
-    }
-    return hr;
-}
-
-// Copies the rest of a listing that FindFirst has begun: files at once, folders created and
-// queued for later. Returns the code that ended the listing.
-qmz::Result CImageReader::CopyListing(const QString& folderPath, const QString& source,
-                                      const QString& dstRoot, qmz::file_attr& attr,
-                                      std::deque<QString>& paths) {
-    // Every occurrence of the source's text is taken out, not only the leading one.
-    QString intermediate = folderPath;
-    intermediate.remove(source);
-    intermediate.replace(u'\\', u'/');
-    qmz::Result hr = qmz::kOk;
-    while (hr >= 0 && m_bStop == 0) {
-        const QString name = NameOf(attr).toString();
-        // The root has no name of its own to build targets from, and a name that isn't a plain
-        // path component could lead outside the target folder: neither is written.
-        if (folderPath.isEmpty() || !IsWritableName(name)) {
-            hr = m_pFileSystem->FindNext(&attr);
-            continue;
-        }
-        const QString srcName = folderPath + u'\\' + name;
-        const QString dstName = dstRoot + intermediate + u'/' + name;
-        if ((attr.uAttributes & qmz::kAttrDirectory) != 0) {
-            QDir().mkdir(dstName);
-            paths.push_back(srcName);
-        } else {
-            const qmz::FileTime utc = FileTimeOf(filetime::LocalToUtc(TicksOf(attr.ftLocalTime)));
-            hr = CopyJobFile(srcName, dstName, &utc);
-            if (hr < 0) {
-                break;
-            }
-        }
-        hr = m_pFileSystem->FindNext(&attr);
-    }
-    return hr;
-}
-
-bool CImageReader::IsWritableName(QStringView name) {
-    return !name.isEmpty() && name != u"." && name != u".." && !name.contains(u'/');
-}
-
-int CImageReader::CheckDiskRoom(const QString& path, uint64_t ullBytes) {
-    uint64_t ullFree = 0;
-    GetFreeBytes(path, &ullFree);
-    return FitsInFreeBytes(ullBytes, ullFree) ? 1 : 0;
-}
-
-bool CImageReader::FitsInFreeBytes(uint64_t ullBytes, uint64_t ullFreeBytes) {
-    return !(static_cast<double>(ullBytes) * kRoomMargin > static_cast<double>(ullFreeBytes));
-}
-
-qmz::Result CImageReader::GetFreeBytes(const QString& path, uint64_t* pFreeBytes) {
-    if (pFreeBytes == nullptr || path.isEmpty()) {
-        return qmz::kFail;
-    }
-    struct statvfs info {};
-    if (::statvfs(QFile::encodeName(MountTable::ExistingAncestor(path)).constData(), &info) != 0) {
-        return qmz::MakeResult(0xE0FF000B);
-    }
-    *pFreeBytes = static_cast<uint64_t>(info.f_bavail) * info.f_frsize;
-    return qmz::kOk;
-}
-
-int CImageReader::FileSystemCanHold(const QString& folder, uint64_t ullSize) {
-    // The files of one folder come one after another; a folder's answer is kept for a moment,
-    // long enough to serve them all, too short for a volume to be swapped under it meanwhile.
-    const auto now = std::chrono::steady_clock::now();
-    if (folder != m_strCapacityFolder || now - m_capacityTime > kCapacityLifetime) {
-        m_capacity = MountTable(m_mountTablePath).CapacityOf(folder);
-        m_strCapacityFolder = folder;
-        m_capacityTime = now;
-    }
-    return MountTable::CanHold(m_capacity, ullSize) ? 1 : 0;
-}
-
-void CImageReader::SetMountTable(const QString& tablePath) {
-    m_mountTablePath = tablePath;
-    m_strCapacityFolder.clear();
+    return m_extractor.CopyFolder(source, targetBase);
 }
 
 qmz::Result CImageReader::StreamFile(const QString& source, ImageReadSink pfnSink, void* pContext) {
-    if (m_pFileSystem == nullptr) {
-        return qmz::kUnexpected;
-    }
-    uint64_t ullSize = 0;
-    qmz::Result hr = m_pFileSystem->OpenFile(Utf16(source), &ullSize);
-    if (hr < 0) {
-        return hr;
-    }
-    m_bStop = 0;
-    std::array<uint8_t, kChunkBytes> buffer{};
-    uint64_t ullDone = 0;
-    while (ullDone < ullSize && hr >= 0) {
-        const auto nWant =
-            static_cast<uint32_t>(std::min<uint64_t>(kChunkBytes, ullSize - ullDone));
-        uint32_t nRead = 0;
-        hr = m_pFileSystem->ReadFile(buffer.data(), nWant, &nRead, 0);
-        nRead = std::min(nRead, nWant);
-        if (hr >= 0 && (nRead == 0 || !pfnSink(buffer.data(), nRead, pContext))) {
-            hr = nRead == 0 ? qmz::kEngineReadFailed : qmz::kFail;
-        }
-        ullDone += nRead;
-        Pump();
-        if (m_bStop != 0) {
-            hr = qmz::kStopped;
-        }
-    }
-    m_pFileSystem->CloseFile();
-    return hr;
+    return m_extractor.StreamFile(source, pfnSink, pContext);
+}
+
+bool CImageReader::IsWritableName(QStringView name) {
+    return CFileExtractor::IsWritableName(name);
+}
+
+int CImageReader::CheckDiskRoom(const QString& path, uint64_t ullBytes) {
+    return CDiskRoomPolicy::CheckDiskRoom(path, ullBytes);
+}
+
+bool CImageReader::FitsInFreeBytes(uint64_t ullBytes, uint64_t ullFreeBytes) {
+    return CDiskRoomPolicy::FitsInFreeBytes(ullBytes, ullFreeBytes);
+}
+
+qmz::Result CImageReader::GetFreeBytes(const QString& path, uint64_t* pFreeBytes) {
+    return CDiskRoomPolicy::GetFreeBytes(path, pFreeBytes);
+}
+
+int CImageReader::FileSystemCanHold(const QString& folder, uint64_t ullSize) {
+    return m_diskRoom.FileSystemCanHold(folder, ullSize);
+}
+
+void CImageReader::SetMountTable(const QString& tablePath) {
+    m_diskRoom.SetMountTable(tablePath);
 }

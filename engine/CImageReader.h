@@ -1,70 +1,45 @@
 // The one object through which the program reaches an image: it loads and drives the engine,
 // opens an image and walks it into a tree of COvDataItem nodes, and copies files and folders
-// out of it onto a disk.
+// out of it onto a disk. Each of those jobs is a class of its own; this one ties them together
+// over the progress and notification state they share.
 #pragma once
 
-#include "ChunkQueue.h"
-#include "IQmzDrive.h"
-#include "IQmzEngine.h"
-#include "IQmzFileSystem.h"
-#include "IQmzReader.h"
-#include "MountTable.h"
-#include "NamedMutex.h"
+#include "CDiskRoomPolicy.h"
+#include "CEngineSession.h"
+#include "CFileExtractor.h"
+#include "CImageWalk.h"
+#include "CTargetWriter.h"
+#include "QmzTypes.h"
+#include "ReaderProgress.h"
 
 #include <QString>
-#include <atomic>
-#include <chrono>
+#include <QStringView>
 #include <cstdint>
-#include <cstdio>
-#include <deque>
-#include <thread>
 
-class CEngineModule;
 class COvDataItem;
-
-// Notification codes sent to the callback.
-enum : uint32_t {
-    NOTIFY_COPY_BEGIN = 0x8001,
-    NOTIFY_COPY_END = 0x8002,
-    NOTIFY_NO_ROOM = 0x8004,
-    NOTIFY_OPEN_BEGIN = 0x8005,
-    NOTIFY_OPEN_END = 0x8006,
-    NOTIFY_WRITE_FAILED = 0x8007,
-    NOTIFY_READ_FAILED = 0x8008,
-    NOTIFY_ACCESS_DENIED = 0x8009,
-    NOTIFY_STOPPING = 0x800A,
-};
 
 // Query codes of GetProgress.
 enum : int32_t { PROGRESS_OPEN = 5000, PROGRESS_COPY = 5001 };
-
-// Payloads are null-terminated paths that live only during the call.
-using ImageReaderCallback = void (*)(uint32_t code, const char16_t* pPayload, void* pContext);
-// Takes the pieces of a file that StreamFile reads; false ends the read.
-using ImageReadSink = bool (*)(const uint8_t* pData, uint32_t nLength, void* pContext);
-// Lets the front end's events run during long work: a window processes its messages, a
-// terminal program notices Ctrl+C. A stop request arrives through SetStop.
-using ImageReaderPump = void (*)(void* pContext);
 
 class CImageReader {
 public:
     // Loads the engine beside the executable, or from enginePath when one is given.
     explicit CImageReader(const QString& enginePath = QString());
-    ~CImageReader();
+    ~CImageReader() = default;
     CImageReader(const CImageReader&) = delete;
     CImageReader& operator=(const CImageReader&) = delete;
 
     int SetCallback(ImageReaderCallback pfnCallback, void* pContext);
     void SetPump(ImageReaderPump pfnPump, void* pContext);
-    bool IsOpening() const { return m_bOpening != 0; }
+    bool IsOpening() const { return m_progress.bOpening != 0; }
     int32_t GetProgress(int32_t query, int32_t* pPercent) const;
-    void SetStop(int32_t bStop) { m_bStop = bStop; }
-    bool IsCopying() const { return m_bCopying != 0; }
-    void SetCopyPercent(int32_t nPercent) { m_nCopyPercent = nPercent; }
-    void SetTotalBytes(uint64_t ullBytes) { m_ullTotalBytes = ullBytes; }
-    uint64_t GetTotalBytes() const { return m_ullTotalBytes; }
-    void SetDoneBytes(uint64_t ullBytes) { m_ullDoneBytes = ullBytes; }
-    uint64_t GetDoneBytes() const { return m_ullDoneBytes; }
+    void SetStop(int32_t bStop) { m_progress.bStop = bStop; }
+    bool IsCopying() const { return m_progress.bCopying != 0; }
+    void SetCopyPercent(int32_t nPercent) { m_progress.nCopyPercent = nPercent; }
+    void SetTotalBytes(uint64_t ullBytes) { m_progress.ullTotalBytes = ullBytes; }
+    uint64_t GetTotalBytes() const { return m_progress.ullTotalBytes; }
+    void SetDoneBytes(uint64_t ullBytes) { m_progress.ullDoneBytes = ullBytes; }
+    uint64_t GetDoneBytes() const { return m_progress.ullDoneBytes; }
 
     qmz::Result OpenImage(const QString& imagePath, COvDataItem* pRoot);
     qmz::Result ReopenImage();
@@ -92,82 +67,24 @@ public:
     int FileSystemCanHold(const QString& folder, uint64_t ullSize);
     // The table of mounts that FileSystemCanHold reads; tests give one of their own.
     void SetMountTable(const QString& tablePath);
+    // The body of the writer thread that extraction starts.
     static void WriterThreadProc(CImageReader* pReader);
     // Reads a file of the image from start to end into a sink of the caller's (standard output,
     // say), where a target file is not wanted. kFail if the sink gave up.
     qmz::Result StreamFile(const QString& source, ImageReadSink pfnSink, void* pContext);
 
     // The engine's word on which file system it read (the first field of fsInfo).
-    uint32_t GetFileSystemKind() const { return m_uFileSystemKind; }
-    const QString& GetImagePath() const { return m_szImagePath; }
-    bool IsImageOpen() const { return m_pFileSystem != nullptr; }
-    bool HasEngine() const { return m_pEngine != nullptr; }
+    uint32_t GetFileSystemKind() const { return m_session.FileSystemKind(); }
+    const QString& GetImagePath() const { return m_session.ImagePath(); }
+    bool IsImageOpen() const { return m_session.IsImageOpen(); }
+    bool HasEngine() const { return m_session.HasEngine(); }
 
 private:
-    qmz::Result OpenEngineObjects(const QString& imagePath, int32_t nPercentLimit);
-    qmz::Result CreateEngineReader();
-    qmz::Result WaitForScan(qmz::Result hr, int32_t nPercentLimit);
-    qmz::Result StopScan();
-    qmz::Result WalkTree(COvDataItem* pRoot);
-    qmz::Result ListEntries(COvDataItem* pNode, const QString& folderPath, struct WalkState& state);
-    void Notify(uint32_t code, const QString& payload, size_t payloadChars);
-    void Pump();
-    void PumpPaced(struct WalkState& state);
-    void StartJob();
-    qmz::Result FinishJob(qmz::Result hr);
-    bool WriterGaveUp() const;
-    qmz::Result CopyJobFile(const QString& source, const QString& target,
-                            const qmz::FileTime* pTime);
-    qmz::Result TransferFile(const QString& source, uint64_t ullSize, const qmz::FileTime* pTime,
-                             qmz::Result hr);
-    qmz::Result ReadChunks(uint64_t ullLast, qmz::Result hr);
-    qmz::Result AppendChunk(const ImageChunk& chunk);
-    bool KeepWaitingForRoom();
-    void WaitForWriter();
-    void StartWriter();
-    qmz::Result CopyFolderTree(const QString& source, const QString& targetBase);
-    qmz::Result CopyListing(const QString& folderPath, const QString& source,
-                            const QString& dstRoot, qmz::file_attr& attr,
-                            std::deque<QString>& paths);
-    void WriteTargetFile(const TargetFile& file);
-    void GiveUpTarget(const std::string& path);
-    // Chunks written with one call: a megabyte, where one call a chunk would cost 32 calls.
-    static constexpr size_t kWriteBatchChunks = 32;
-    void WriteChunks(int fd, const ImageChunk* pChunks, size_t nChunks);
-
-    CEngineModule* m_pModule = nullptr;
-    qmz::IQmzEngine* m_pEngine = nullptr;
-    qmz::IQmzDrive* m_pDrv = nullptr;
-    qmz::IQmzReader* m_pReader = nullptr;
-    qmz::IQmzFileSystem* m_pFileSystem = nullptr;
-    int32_t m_bAttached = 0;
-    int32_t m_bLoaded = 0;
-    // Written on one thread and polled on the other while a file is copied.
-    std::atomic<int32_t> m_bStop = 0;
-    std::atomic<int32_t> m_bWriteFailed = 0;
-    std::atomic<int32_t> m_bAccessDenied = 0;
-    std::atomic<int32_t> m_nCopyPercent = 0;
-    std::atomic<uint64_t> m_ullDoneBytes = 0;
-    std::atomic<uint64_t> m_ullTotalBytes = 0;
-    int32_t m_bOpening = 0;
-    int32_t m_bCopying = 0;
-    int32_t m_nOpenPercent = 0;
-    ChunkQueue m_oBuffers;
-    std::thread m_hWriterThread;
-    QString m_strDstFile;
-    // The target that the reading side could not finish, removed when the job ends.
-    QString m_strUnfinishedTarget;
-    QString m_mountTablePath;
-    // The last target folder that FileSystemCanHold was asked about, with its answer.
-    QString m_strCapacityFolder;
-    std::chrono::steady_clock::time_point m_capacityTime;
-    MountTable::Capacity m_capacity = MountTable::Capacity::None;
-    ImageReaderCallback m_pfnCallback = nullptr;
-    void* m_pCallbackContext = nullptr;
-    ImageReaderPump m_pfnPump = nullptr;
-    void* m_pPumpContext = nullptr;
-    QString m_szImagePath;
-    NamedMutex m_hImageMutex;
-    int32_t m_nEntryCount = 0;
-    uint32_t m_uFileSystemKind = 0;
+    ReaderProgress m_progress;
+    // Members are destroyed in reverse order: the writer thread ends before the engine goes.
+    CEngineSession m_session;
+    CImageWalk m_walk{m_progress};
+    CDiskRoomPolicy m_diskRoom;
+    CTargetWriter m_writer{m_progress};
+    CFileExtractor m_extractor{m_progress, m_session, m_diskRoom, m_writer};
 };
