@@ -4,6 +4,12 @@ if(OVRIN_SANITIZE)
     return()
 endif()
 
+# Copies of an image in the other sector layouts, for the seed corpus.
+add_executable(ovrin-sector-image ${PROJECT_SOURCE_DIR}/fuzz/SectorImageTool.cpp
+                                  ${PROJECT_SOURCE_DIR}/tests/qmz/SectorImages.cpp)
+target_include_directories(ovrin-sector-image PRIVATE ${PROJECT_SOURCE_DIR}/tests/qmz)
+target_link_libraries(ovrin-sector-image PRIVATE test_support)
+
 include(ExternalProject)
 set(OVRIN_FUZZ_BIN ${CMAKE_BINARY_DIR}/fuzz)
 ExternalProject_Add(qmz_fuzzer_project

@@ -9,6 +9,7 @@
 
 #include <cstdlib>
 #include <dlfcn.h>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -37,18 +38,13 @@ bool IsLoaded(const char* library) {
 }
 
 // The order in which the given calls appear in the log, as one text.
-std::string Sequence(const std::string& log, std::initializer_list<const char*> calls) {
+std::string Sequence(const std::string& log, std::initializer_list<std::string_view> calls) {
     std::string out;
-    size_t pos = 0;
-    while (pos < log.size()) {
-        const size_t end = log.find('\n', pos);
-        const std::string line = log.substr(pos, end - pos);
-        for (const char* call : calls) {
-            if (line == call) {
-                out += line + ' ';
-            }
+    std::istringstream lines(log);
+    for (std::string line; std::getline(lines, line);) {
+        if (std::ranges::find(calls, line) != calls.end()) {
+            out += line + ' ';
         }
-        pos = end + 1;
     }
     return out;
 }
@@ -190,9 +186,9 @@ TEST_F(ImageReaderTest, FailuresInsideTheWalkCountOnlyInTheLastFolder) {
 
 struct Observer {
     CImageReader* pReader = nullptr;
-    std::vector<uint32_t> notices;
-    std::u16string openPayload;
-    std::vector<int32_t> percents;
+    std::vector<uint32_t> notices{};
+    std::u16string openPayload{};
+    std::vector<int32_t> percents{};
     bool bStopOnOpenBegin = false;
     int nStopAtPercent = 1000;
 };
@@ -218,12 +214,16 @@ void ObservePump(void* pContext) {
     }
 }
 
-TEST_F(ImageReaderTest, ReportsProgressWithinItsRangesAndNotifiesTheOpening) {
-    CImageReader reader(QStringLiteral(FAKEQMZ_PATH));
-    Observer o;
+void Observe(CImageReader& reader, Observer& o) {
     o.pReader = &reader;
     reader.SetCallback(ObserveNotice, &o);
     reader.SetPump(ObservePump, &o);
+}
+
+TEST_F(ImageReaderTest, ReportsProgressWithinItsRangesAndNotifiesTheOpening) {
+    CImageReader reader(QStringLiteral(FAKEQMZ_PATH));
+    Observer o;
+    Observe(reader, o);
     // Counters far below the real count must not push the walk's percent past 100.
     std::string volume = "wait-running 4\ncounts 1 0\n";
     for (int i = 0; i < 200; ++i) {
@@ -241,11 +241,8 @@ TEST_F(ImageReaderTest, ReportsProgressWithinItsRangesAndNotifiesTheOpening) {
 
 TEST_F(ImageReaderTest, AStopBeforeTheFirstWaitStillCancelsAndDrainsTheScan) {
     CImageReader reader(QStringLiteral(FAKEQMZ_PATH));
-    Observer o;
-    o.pReader = &reader;
-    o.bStopOnOpenBegin = true;
-    reader.SetCallback(ObserveNotice, &o);
-    reader.SetPump(ObservePump, &o);
+    Observer o{.bStopOnOpenBegin = true};
+    Observe(reader, o);
     const size_t nMark = CallLog().size();
     EXPECT_EQ(reader.OpenImage(Listing("wait-running 3\nf 1 0 a\n"), &m_root), qmz::kStopped);
     EXPECT_EQ(Sequence(CallLog().substr(nMark), {"Start", "Cancel", "Wait", "Finish"}),
@@ -261,10 +258,8 @@ TEST_F(ImageReaderTest, AStopDuringTheWalkLeavesAPartialTreeAndNoImage) {
         volume += "f 1 0 file" + std::to_string(i) + "\n";
     }
     CImageReader reader(QStringLiteral(FAKEQMZ_PATH));
-    Observer o;
-    o.pReader = &reader;
-    o.nStopAtPercent = 50;
-    reader.SetPump(ObservePump, &o);
+    Observer o{.nStopAtPercent = 50};
+    Observe(reader, o);
     EXPECT_EQ(reader.OpenImage(Listing(volume.c_str()), &m_root), qmz::kStopped);
     EXPECT_FALSE(reader.IsImageOpen());
     EXPECT_GT(m_root.m_vecChildren.size(), 0u);

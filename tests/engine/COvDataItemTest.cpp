@@ -39,14 +39,6 @@ TEST(COvDataItem, SplitsItsPathAndRollsSizesUpToEveryAncestor) {
     EXPECT_EQ(big->GetParent(), c);
 }
 
-TEST(COvDataItem, SiblingsShareOnePathBuffer) {
-    COvDataItem root(QString(), COvDataItem::KindRoot, 0, 0);
-    COvDataItem* first = Add(root, QStringLiteral("\\x.txt"), COvDataItem::KindFile);
-    COvDataItem* second = Add(root, QStringLiteral("\\y.txt"), COvDataItem::KindFile);
-    EXPECT_EQ(first->m_strPath.constData(), second->m_strPath.constData());
-    EXPECT_EQ(first->m_strName.constData(), first->m_strDisplayName.constData());
-}
-
 TEST(COvDataItem, SortsFoldersFirstThenNamesExactlyAsQtIgnoringCase) {
     // The sort has its own fast path for ASCII; every pair must still agree with Qt,
     // including characters that fold onto ASCII (the Kelvin sign, the long s).

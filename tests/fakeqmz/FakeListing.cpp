@@ -1,5 +1,6 @@
 #include "FakeListing.h"
 
+#include <algorithm>
 #include <fstream>
 #include <sstream>
 
@@ -16,10 +17,16 @@ std::string RestOfLine(std::istringstream& in) {
     return rest;
 }
 
-void AddEntry(FakeListing& listing, const std::u16string& path, FakeEntry entry) {
+// A path's folder and name.
+std::pair<std::u16string, std::u16string> Split(const std::u16string& path) {
     const size_t slash = path.rfind(u'\\');
-    const std::u16string parent = slash == std::u16string::npos ? u"" : path.substr(0, slash);
-    entry.name = slash == std::u16string::npos ? path : path.substr(slash + 1);
+    return slash == std::u16string::npos ? std::pair{std::u16string(), path}
+                                         : std::pair{path.substr(0, slash), path.substr(slash + 1)};
+}
+
+void AddEntry(FakeListing& listing, const std::u16string& path, FakeEntry entry) {
+    auto [parent, name] = Split(path);
+    entry.name = std::move(name);
     if (entry.bFolder) {
         listing.folders[path];
     }
@@ -77,17 +84,12 @@ bool FakeListing::Load(const std::string& path) {
 }
 
 const FakeEntry* FakeListing::FindFile(const std::u16string& path) const {
-    const size_t slash = path.rfind(u'\\');
-    const std::u16string parent = slash == std::u16string::npos ? u"" : path.substr(0, slash);
-    const std::u16string name = slash == std::u16string::npos ? path : path.substr(slash + 1);
-    const auto it = folders.find(parent);
-    if (it == folders.end()) {
+    const auto split = Split(path);
+    const auto folder = folders.find(split.first);
+    if (folder == folders.end()) {
         return nullptr;
     }
-    for (const FakeEntry& entry : it->second) {
-        if (!entry.bFolder && entry.name == name) {
-            return &entry;
-        }
-    }
-    return nullptr;
+    const auto it = std::ranges::find_if(
+        folder->second, [&](const FakeEntry& e) { return !e.bFolder && e.name == split.second; });
+    return it == folder->second.end() ? nullptr : &*it;
 }

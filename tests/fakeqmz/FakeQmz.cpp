@@ -15,6 +15,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <string_view>
 
 #define FAKE_EXPORT extern "C" __attribute__((visibility("default")))
 
@@ -34,12 +35,16 @@ void Log(const std::string& what) {
     g_log += what + '\n';
 }
 
-std::string Narrow(const char16_t* text) {
-    std::string out;
-    for (; *text != 0; ++text) {
-        out += static_cast<char>(*text);
-    }
-    return out;
+// The tests give paths and key names in ASCII.
+std::string Narrow(std::u16string_view text) {
+    return {text.begin(), text.end()};
+}
+
+// Copies text into a terminated array, cut to fit.
+template <size_t N> void CopyText(const std::u16string& text, char16_t (&out)[N]) {
+    const size_t n = std::min(text.size(), N - 1);
+    std::copy_n(text.data(), n, out);
+    out[n] = 0;
 }
 
 // Reference counting; objects whose release the tests follow carry a log name.
@@ -102,9 +107,7 @@ public:
         pInfo->uFileSystem = kFsUnknown;
         pInfo->uCount1 = l.counts[0];
         pInfo->uCount2 = l.counts[1];
-        const size_t n = std::min(l.volumeId.size(), kVolIdChars - 1);
-        std::copy_n(l.volumeId.data(), n, pInfo->strVolID);
-        pInfo->strVolID[n] = 0;
+        CopyText(l.volumeId, pInfo->strVolID);
         return m_pDrive->Fault("GetFsInfo");
     }
     Result FindFirst(const char16_t* path, file_attr* pAttr) override {
@@ -164,9 +167,7 @@ private:
         pAttr->uAttributes = e.bFolder ? kAttrDirectory : 0;
         pAttr->ftLocalTime = {static_cast<uint32_t>(e.ticks), static_cast<uint32_t>(e.ticks >> 32)};
         pAttr->ullSize = e.size;
-        const size_t n = std::min(e.name.size(), kNameChars - 1);
-        std::copy_n(e.name.data(), n, pAttr->strName);
-        pAttr->strName[n] = 0;
+        CopyText(e.name, pAttr->strName);
         return kOk;
     }
 

@@ -172,10 +172,8 @@ protected:
             RunCommand("genisoimage -quiet -R -o " + Quote(*dir_ / "base.iso") + " " + Quote(src)));
     }
     static void TearDownTestSuite() { delete dir_; }
-    static TempDir* dir_;
+    static inline TempDir* dir_ = nullptr;
 };
-
-TempDir* BrokenImageTest::dir_ = nullptr;
 
 TEST_P(BrokenImageTest, EndsWithAnErrorOrAPartialTree) {
     const BrokenCase& c = GetParam();
@@ -202,10 +200,7 @@ TEST_P(BrokenImageTest, EndsWithAnErrorOrAPartialTree) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Patched, BrokenImageTest, testing::ValuesIn(kCases),
-                         [](const testing::TestParamInfo<BrokenCase>& param) {
-                             return std::string(param.param.name);
-                         });
+INSTANTIATE_TEST_SUITE_P(Patched, BrokenImageTest, testing::ValuesIn(kCases), kCaseName);
 
 // ECMA-119 6.5.1: one file in two extents, made by patching a level-3 image of the files A
 // (4096 bytes) and B (2048 bytes): A's record gets the multi-extent flag and B's record A's

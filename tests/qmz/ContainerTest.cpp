@@ -30,10 +30,6 @@ const ContainerCase kCases[] = {
     {"NeroEtnfRawMode2Form1", SectorKind::kMode2Form1, true, NeroTable::kEtnf, 3, "disc"},
 };
 
-void PrintTo(const ContainerCase& c, std::ostream* out) {
-    *out << c.name;
-}
-
 struct Reference {
     Tree tree;
     std::map<std::string, std::vector<uint8_t>> files;
@@ -84,14 +80,10 @@ protected:
         return c.nero ? MakeNero(*iso_, c.kind, c.table, c.pregap) : RecordSectors(*iso_, c.kind);
     }
 
-    static TempDir* dir_;
-    static std::vector<uint8_t>* iso_;
-    static Reference* reference_;
+    static inline TempDir* dir_ = nullptr;
+    static inline std::vector<uint8_t>* iso_ = nullptr;
+    static inline Reference* reference_ = nullptr;
 };
-
-TempDir* ContainerFixture::dir_ = nullptr;
-std::vector<uint8_t>* ContainerFixture::iso_ = nullptr;
-Reference* ContainerFixture::reference_ = nullptr;
 
 class ContainerTest : public ContainerFixture, public testing::WithParamInterface<ContainerCase> {};
 
@@ -104,10 +96,7 @@ TEST_P(ContainerTest, ListsAndReadsAsTheOriginal) {
     EXPECT_TRUE(copy.files == reference_->files);
 }
 
-INSTANTIATE_TEST_SUITE_P(Layouts, ContainerTest, testing::ValuesIn(kCases),
-                         [](const testing::TestParamInfo<ContainerCase>& param) {
-                             return std::string(param.param.name);
-                         });
+INSTANTIATE_TEST_SUITE_P(Layouts, ContainerTest, testing::ValuesIn(kCases), kCaseName);
 
 TEST_F(ContainerFixture, NeroImageAgreesWithSevenZip) {
     TempDir dir;
@@ -171,10 +160,6 @@ const DamageCase kDamage[] = {
      kEngineBadImage},
 };
 
-void PrintTo(const DamageCase& c, std::ostream* out) {
-    *out << c.name;
-}
-
 class ContainerDamageTest : public ContainerFixture,
                             public testing::WithParamInterface<DamageCase> {};
 
@@ -186,10 +171,7 @@ TEST_P(ContainerDamageTest, RefusedOrPartial) {
     EXPECT_EQ(session.Open(image), GetParam().open);
 }
 
-INSTANTIATE_TEST_SUITE_P(Damage, ContainerDamageTest, testing::ValuesIn(kDamage),
-                         [](const testing::TestParamInfo<DamageCase>& param) {
-                             return std::string(param.param.name);
-                         });
+INSTANTIATE_TEST_SUITE_P(Damage, ContainerDamageTest, testing::ValuesIn(kDamage), kCaseName);
 
 TEST_F(ContainerFixture, TruncatedRawImageReadsWhatItHolds) {
     TempDir dir;

@@ -35,10 +35,8 @@ protected:
         return image;
     }
 
-    static TempDir* dir_;
+    static inline TempDir* dir_ = nullptr;
 };
-
-TempDir* ContractTest::dir_ = nullptr;
 
 TEST_F(ContractTest, OpenDriveDecidesByContent) {
     WriteFile(*dir_ / "zeros.iso", std::vector<uint8_t>(40 * 2048));

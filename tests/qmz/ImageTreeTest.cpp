@@ -148,10 +148,7 @@ TEST_P(ImageTreeTest, MatchesBsdtarAndSourceAndReadsBack) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Images, ImageTreeTest, testing::ValuesIn(kRecipes),
-                         [](const testing::TestParamInfo<Recipe>& param) {
-                             return std::string(param.param.name);
-                         });
+INSTANTIATE_TEST_SUITE_P(Images, ImageTreeTest, testing::ValuesIn(kRecipes), kCaseName);
 
 } // namespace
 } // namespace qmz::test

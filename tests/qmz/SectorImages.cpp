@@ -36,16 +36,11 @@ void RawSector(const uint8_t* data, uint32_t lba, bool mode2, uint8_t* out) {
     out[13] = Bcd(frames / 75 % 60);
     out[14] = Bcd(frames % 75);
     out[15] = mode2 ? 2 : 1;
-    size_t at = 16;
+    static constexpr uint8_t kSubheader[8] = {0, 0, 0x08, 0, 0, 0, 0x08, 0};
     if (mode2) {
-        for (int copy = 0; copy < 2; ++copy) {
-            out[at++] = 0;
-            out[at++] = 0;
-            out[at++] = 0x08;
-            out[at++] = 0;
-        }
+        std::copy(kSubheader, kSubheader + 8, out + 16);
     }
-    std::copy(data, data + kData, out + at);
+    std::copy(data, data + kData, out + (mode2 ? 24 : 16));
 }
 
 void Append(std::vector<uint8_t>& out, uint64_t v, int bytes) {

@@ -22,6 +22,9 @@ namespace qmz::test {
 
 using namespace testsupport;
 
+// Names each case of a parameterised test after its `name`.
+inline constexpr auto kCaseName = [](const auto& info) { return std::string(info.param.name); };
+
 // One engine, drive and reader on one image.
 class Session {
 public:

@@ -196,10 +196,7 @@ TEST_P(UdfBrokenImageTest, EndsWithAPartialTree) {
     GetParam().check(session);
 }
 
-INSTANTIATE_TEST_SUITE_P(Patches, UdfBrokenImageTest, testing::ValuesIn(kCases),
-                         [](const testing::TestParamInfo<BrokenCase>& param) {
-                             return std::string(param.param.name);
-                         });
+INSTANTIATE_TEST_SUITE_P(Patches, UdfBrokenImageTest, testing::ValuesIn(kCases), kCaseName);
 
 } // namespace
 } // namespace qmz::test

@@ -85,10 +85,7 @@ TEST_P(UdfImageTest, MatchesSevenZipAndReadsBack) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Images, UdfImageTest, testing::ValuesIn(kRecipes),
-                         [](const testing::TestParamInfo<Recipe>& param) {
-                             return std::string(param.param.name);
-                         });
+INSTANTIATE_TEST_SUITE_P(Images, UdfImageTest, testing::ValuesIn(kRecipes), kCaseName);
 
 } // namespace
 } // namespace qmz::test

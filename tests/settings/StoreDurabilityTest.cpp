@@ -41,9 +41,12 @@ QString NameOf(uint32_t writer, uint32_t index) {
     return u"w%1-v%2"_s.arg(writer).arg(index);
 }
 
-// Runs in the child: writes values without end, or nCount of them, acknowledging each.
-[[noreturn]] void WriterChild(const QString& path, uint32_t writer, uint32_t nFirst,
-                              uint32_t nCount, int ackFd, int startFd) {
+// Starts a child that writes values without end, or nCount of them, acknowledging each.
+pid_t StartWriter(const QString& path, uint32_t writer, uint32_t nFirst, uint32_t nCount, int ackFd,
+                  int startFd) {
+    if (const pid_t pid = fork(); pid != 0) {
+        return pid;
+    }
     char go = 0;
     if (startFd >= 0 && read(startFd, &go, 1) != 1) {
         _exit(3);
@@ -60,15 +63,6 @@ QString NameOf(uint32_t writer, uint32_t index) {
         }
     }
     _exit(0);
-}
-
-pid_t StartWriter(const QString& path, uint32_t writer, uint32_t nFirst, uint32_t nCount, int ackFd,
-                  int startFd) {
-    const pid_t pid = fork();
-    if (pid == 0) {
-        WriterChild(path, writer, nFirst, nCount, ackFd, startFd);
-    }
-    return pid;
 }
 
 // Reads acknowledgements until nStop successes or the end of the pipe.
