@@ -120,7 +120,8 @@ QImage ButtonPainter::command(QSize piece, int states, CommandIcon icon, const Q
         const qreal left = r.left() + std::round(kCommandPadding * scale);
         const QRectF iconBox(left, r.top() + std::round((r.height() - iconSide) / 2), iconSide,
                              iconSide);
-        GlyphPainter::command(p, iconBox, icon);
+        const QColor accent(s == ButtonPainter::kStatePressed ? kText : kAccentLight);
+        GlyphPainter::command(p, iconBox, icon, accent);
         const QColor ink(kText);
         p.setPen(ink);
         p.setFont(PaintKit::font(static_cast<int>(std::lround(kLabelPixels * scale)), false));

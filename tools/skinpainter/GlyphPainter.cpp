@@ -97,7 +97,7 @@ void messageMark(QPainter& p, MessageIcon icon) {
     }
 }
 
-void commandOpen(QPainter& p, const QColor& ink) {
+void commandOpen(QPainter& p, const QColor& ink, const QColor& accent) {
     QPainterPath back;
     back.moveTo(1.5, 3);
     back.lineTo(6, 3);
@@ -112,11 +112,11 @@ void commandOpen(QPainter& p, const QColor& ink) {
     const QPolygonF front{{4, 7.5}, {15.5, 7.5}, {13.5, 13.5}, {1.5, 13.5}};
     p.setBrush(ink);
     p.drawPolygon(front);
-    p.setPen(QPen(QColor(kAccentLight), 1.2, Qt::SolidLine, Qt::RoundCap));
+    p.setPen(QPen(accent, 1.2, Qt::SolidLine, Qt::RoundCap));
     p.drawLine(QPointF(5.5, 10.5), QPointF(11.5, 10.5));
 }
 
-void commandView(QPainter& p, const QColor& ink) {
+void commandView(QPainter& p, const QColor& ink, const QColor& accent) {
     QPainterPath eye;
     eye.moveTo(1, 8);
     eye.quadTo(8, 0.5, 15, 8);
@@ -125,26 +125,26 @@ void commandView(QPainter& p, const QColor& ink) {
     p.setBrush(PaintKit::withAlpha(ink.rgb(), 0.18));
     p.drawPath(eye);
     p.setPen(Qt::NoPen);
-    p.setBrush(QColor(kAccentLight));
+    p.setBrush(accent);
     p.drawEllipse(QPointF(8, 8), 3, 3);
-    p.setBrush(ink);
+    p.setBrush(PaintKit::withAlpha(0, 0.6));
     p.drawEllipse(QPointF(8, 8), 1.3, 1.3);
 }
 
-void commandExtract(QPainter& p, const QColor& ink) {
+void commandExtract(QPainter& p, const QColor& ink, const QColor& accent) {
     p.setPen(QPen(ink, 1.3, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     p.setBrush(Qt::NoBrush);
     p.drawPolyline(QPolygonF{{2, 9.5}, {2, 14}, {14, 14}, {14, 9.5}});
-    p.setPen(QPen(QColor(kAccentLight), 1.6, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    p.setPen(QPen(accent, 1.6, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     p.drawLine(QPointF(8, 1.5), QPointF(8, 10.5));
     p.drawPolyline(QPolygonF{{4.5, 7.5}, {8, 11}, {11.5, 7.5}});
 }
 
-void commandViewMode(QPainter& p, const QColor& ink) {
+void commandViewMode(QPainter& p, const QColor& ink, const QColor& accent) {
     p.setPen(Qt::NoPen);
     const QPointF corners[] = {{2, 2}, {9, 2}, {2, 9}, {9, 9}};
     for (int i = 0; i < 4; ++i) {
-        p.setBrush(i == 0 ? QColor(kAccentLight) : ink);
+        p.setBrush(i == 0 ? accent : ink);
         p.drawRoundedRect(QRectF(corners[i], QSizeF(5, 5)), 1, 1);
     }
 }
@@ -156,7 +156,7 @@ void disc(QPainter& p, QPointF centre, qreal radius, const QColor& ink) {
     p.setPen(Qt::NoPen);
     p.setBrush(ink);
     p.drawEllipse(centre, radius * 0.42, radius * 0.42);
-    p.setBrush(QColor(kCommandBar));
+    p.setBrush(PaintKit::withAlpha(0, 0.55));
     p.drawEllipse(centre, radius * 0.16, radius * 0.16);
 }
 
@@ -173,14 +173,18 @@ void commandBurn(QPainter& p, const QColor& ink) {
     p.drawPath(flame);
 }
 
-void commandMount(QPainter& p, const QColor& ink) {
-    disc(p, {8, 5.5}, 4.5, ink);
+void commandMount(QPainter& p, const QColor& ink, const QColor& accent) {
+    // A disc going into the slot of a drive.
+    p.save();
+    p.setClipRect(QRectF(0, 0, 16, 9.6));
+    disc(p, {8, 6.5}, 5.5, ink);
+    p.restore();
     p.setPen(QPen(ink, 1.1, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     p.setBrush(PaintKit::withAlpha(ink.rgb(), 0.2));
-    p.drawRoundedRect(QRectF(1.5, 10.5, 13, 4), 1, 1);
+    p.drawRoundedRect(QRectF(1.5, 9.5, 13, 5), 1, 1);
     p.setPen(Qt::NoPen);
-    p.setBrush(QColor(kAccentLight));
-    p.drawEllipse(QPointF(12, 12.5), 0.9, 0.9);
+    p.setBrush(accent);
+    p.drawEllipse(QPointF(12, 12), 0.9, 0.9);
 }
 } // namespace
 
@@ -229,29 +233,29 @@ QImage GlyphPainter::message(QSize size, MessageIcon icon) {
     return image;
 }
 
-void GlyphPainter::command(QPainter& p, const QRectF& box, CommandIcon icon) {
+void GlyphPainter::command(QPainter& p, const QRectF& box, CommandIcon icon, const QColor& accent) {
     p.save();
     p.translate(box.topLeft());
     p.scale(box.width() / kCommandGrid, box.height() / kCommandGrid);
     const QColor ink(kGlyph);
     switch (icon) {
     case CommandIcon::Open:
-        commandOpen(p, ink);
+        commandOpen(p, ink, accent);
         break;
     case CommandIcon::View:
-        commandView(p, ink);
+        commandView(p, ink, accent);
         break;
     case CommandIcon::Extract:
-        commandExtract(p, ink);
+        commandExtract(p, ink, accent);
         break;
     case CommandIcon::ViewMode:
-        commandViewMode(p, ink);
+        commandViewMode(p, ink, accent);
         break;
     case CommandIcon::Burn:
         commandBurn(p, ink);
         break;
     case CommandIcon::Mount:
-        commandMount(p, ink);
+        commandMount(p, ink, accent);
         break;
     }
     p.restore();

@@ -19,8 +19,9 @@ public:
 
     static QImage message(QSize size, MessageIcon icon);
 
-    // A command icon drawn on a grid of 16 units in a square box.
-    static void command(QPainter& p, const QRectF& box, CommandIcon icon);
+    // A command icon drawn on a grid of 16 units in a square box; its details take the accent
+    // colour, which must stand out from what lies below.
+    static void command(QPainter& p, const QRectF& box, CommandIcon icon, const QColor& accent);
 
     // A page with a folded corner: the stand-in for a file whose own icon is not known.
     static QImage document(QSize size);
