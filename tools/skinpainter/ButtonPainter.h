@@ -21,7 +21,7 @@ public:
     static QImage caption(QSize piece, int states, CaptionGlyph glyph, int firstState = 0);
 
     // A flat command button with its icon and its label, scaled by scale from the 16-pixel
-    // design. With a menu a small chevron follows the label.
+    // drawing. With a menu a small chevron follows the label.
     static QImage command(QSize piece, int states, CommandIcon icon, const QString& label,
                           qreal scale, bool menu);
 };

@@ -9,7 +9,7 @@
 using namespace SkinPalette;
 
 namespace {
-// Message icons and command icons are designed on these grids and scaled to their size.
+// Message icons and command icons are drawn on these grids and scaled to their size.
 constexpr qreal kMessageGrid = 36;
 constexpr qreal kCommandGrid = 16;
 
