@@ -8,7 +8,8 @@ set -eu
 
 tier=${1:-run}
 
-RUN_PACKAGES="cmake ninja-build ccache g++ qt6-base-dev libsqlite3-dev zlib1g-dev xorriso"
+RUN_PACKAGES="cmake ninja-build ccache g++ qt6-base-dev libsqlite3-dev zlib1g-dev xorriso
+fonts-dejavu-core"
 TEST_PACKAGES="libgtest-dev googletest clang clang-format genisoimage libarchive-tools
 p7zip-full dvdauthor ffmpeg udftools util-linux"
 BENCH_PACKAGES="hyperfine time"
