@@ -91,7 +91,7 @@ TEST(ToolkitHooks, TextIsCutToItsWidthWithTheGivenFont) {
 }
 
 // Run twice by CTest on a 1.5 screen (QT_SCALE_FACTOR), with EnableDPIAware set and unset in a
-// machine store of its own; skipped elsewhere, as the setting is read once a process.
+// machine store of its own, as the setting is read once a process.
 TEST(HighDpi, TheSettingDecidesBetweenTheTwoSizesAndQtScalesOnlyOnce) {
     const QByteArray aware = qgetenv("OVRIN_TEST_DPI_AWARE");
     if (aware.isEmpty()) {
