@@ -92,6 +92,10 @@ void TruncateTextToWidth(QString& out, const QString& text, int nWidth, const vo
 }
 
 QString GetUiFontFace(const QString& face) {
-    const QString named = TvnText(tvn::kFontFace);
+    // Asked first, as TvnText would turn a missing face into a placeholder that no font has.
+    if (!HasTvnText(tvn::kFontFace)) {
+        return face;
+    }
+    const QString named = TvnText(tvn::kFontFace).trimmed();
     return named.isEmpty() ? face : named;
 }

@@ -24,6 +24,10 @@ void SetMissingTextHandler(MissingTextHandler pfnHandler) {
     g_pfnMissing = pfnHandler != nullptr ? pfnHandler : WarnMissing;
 }
 
+bool HasTvnText(uint32_t id) {
+    return g_pTable != nullptr && g_pTable->Contains(id);
+}
+
 QString TvnText(uint32_t id) {
     if (g_pTable != nullptr && g_pTable->Contains(id)) {
         return g_pTable->Text(id);

@@ -17,6 +17,8 @@ void SetCurrentStringTable(const CTvnStringTable* pTable);
 using MissingTextHandler = void (*)(uint32_t id);
 void SetMissingTextHandler(MissingTextHandler pfnHandler);
 
+// Whether the current table has a text of that number; asks without a warning.
+bool HasTvnText(uint32_t id);
 // A missing text comes back as "[text NNN]", so that a gap shows on screen and in reports
 // instead of an empty label.
 QString TvnText(uint32_t id);

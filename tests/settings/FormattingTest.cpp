@@ -108,7 +108,13 @@ TEST_F(Formatting, TruncationPutsTextOnOneLineAndLeavesMeasuringToTheToolkit) {
     TruncateTextToWidth(out, u"ab\ncdefg"_s, 100, nullptr);
     EXPECT_EQ(out, u"ab cd"_s);
     SetTextTruncator(nullptr);
-    EXPECT_EQ(GetUiFontFace(u"MS Shell Dlg 2"_s), u"Sans Serif"_s);
+}
+
+TEST_F(Formatting, FontFaceComesFromTheTableOrFallsBackToTheGivenOne) {
+    EXPECT_EQ(GetUiFontFace(u"MS Shell Dlg 2"_s), u"DejaVu Sans"_s);
+    CTvnStringTable empty;
+    SetCurrentStringTable(&empty);
+    EXPECT_EQ(GetUiFontFace(u"MS Shell Dlg 2"_s), u"MS Shell Dlg 2"_s);
 }
 
 } // namespace

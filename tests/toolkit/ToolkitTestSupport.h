@@ -1,0 +1,110 @@
+// Tiny pictures painted in code, a parent that records the messages its controls send, and
+// the mouse and keys of a person.
+#pragma once
+
+#include "CWindowMessage.h"
+#include "SkinImages.h"
+#include "TestFiles.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QImage>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QWidget>
+#include <initializer_list>
+#include <vector>
+
+namespace toolkittest {
+
+// A strip of equal pieces, each filled with one colour.
+inline QImage Strip(std::initializer_list<QRgb> colours, int nPieceWidth, int nHeight) {
+    QImage strip(nPieceWidth * static_cast<int>(colours.size()), nHeight, QImage::Format_ARGB32);
+    int x = 0;
+    for (QRgb colour : colours) {
+        for (int y = 0; y < nHeight; ++y) {
+            for (int i = 0; i < nPieceWidth; ++i) {
+                strip.setPixel(x + i, y, colour);
+            }
+        }
+        x += nPieceWidth;
+    }
+    return strip;
+}
+
+// Points the toolkit's install folder at a temporary one for the life of the object.
+class TempInstall {
+public:
+    TempInstall() { SetInstallFolder(QString::fromStdString(m_dir.Path().string())); }
+    ~TempInstall() { SetInstallFolder(QString()); }
+    // Saves image under the relative path ('/' separated), making its folders.
+    void Save(const QImage& image, const QString& relativePath) const {
+        const QString path = InstallPath(relativePath);
+        QDir().mkpath(path.section(u'/', 0, -2));
+        image.save(path, "PNG");
+    }
+
+private:
+    testsupport::TempDir m_dir;
+};
+
+struct Message {
+    uint32_t nMessage;
+    uintptr_t wParam;
+    intptr_t lParam;
+};
+
+// A parent window that keeps every window message its children send or post.
+class RecordingParent : public QWidget {
+public:
+    RecordingParent() { resize(400, 300); }
+    std::vector<Message> m_messages;
+    // Delivers what the children posted.
+    std::vector<Message>& Delivered() {
+        QCoreApplication::sendPostedEvents(this);
+        return m_messages;
+    }
+    int Count(uint32_t nMessage) {
+        int n = 0;
+        for (const Message& message : Delivered()) {
+            n += message.nMessage == nMessage ? 1 : 0;
+        }
+        return n;
+    }
+
+protected:
+    bool event(QEvent* pEvent) override {
+        if (pEvent->type() >= QEvent::User && pEvent->type() <= QEvent::MaxUser) {
+            const auto* pMessage = static_cast<CWindowMessage*>(pEvent);
+            m_messages.push_back({pMessage->Message(), pMessage->WParam(), pMessage->LParam()});
+            return true;
+        }
+        return QWidget::event(pEvent);
+    }
+};
+
+inline void Mouse(QWidget& widget, QEvent::Type type, QPoint pos, Qt::MouseButton button,
+                  Qt::MouseButtons buttons) {
+    QMouseEvent event(type, QPointF(pos), QPointF(widget.mapToGlobal(pos)), button, buttons,
+                      Qt::NoModifier);
+    QCoreApplication::sendEvent(&widget, &event);
+}
+inline void MoveTo(QWidget& widget, QPoint pos, Qt::MouseButtons buttons = Qt::NoButton) {
+    Mouse(widget, QEvent::MouseMove, pos, Qt::NoButton, buttons);
+}
+inline void PressAt(QWidget& widget, QPoint pos) {
+    Mouse(widget, QEvent::MouseButtonPress, pos, Qt::LeftButton, Qt::LeftButton);
+}
+inline void ReleaseAt(QWidget& widget, QPoint pos) {
+    Mouse(widget, QEvent::MouseButtonRelease, pos, Qt::LeftButton, Qt::NoButton);
+}
+inline void Leave(QWidget& widget) {
+    QEvent event(QEvent::Leave);
+    QCoreApplication::sendEvent(&widget, &event);
+}
+inline void Key(QWidget& widget, QEvent::Type type, int nKey) {
+    QKeyEvent event(type, nKey, Qt::NoModifier);
+    QCoreApplication::sendEvent(&widget, &event);
+}
+
+} // namespace toolkittest

@@ -1,0 +1,13 @@
+// What the settings layer leaves to a program with a screen: measuring text against a font and
+// the screen's DPI. A program with widgets installs both once, after its QApplication exists.
+#pragma once
+
+class QWidget;
+
+void InstallToolkitHooks();
+// The window whose font measures text that names no font of its own; the application's font
+// until one is named.
+void SetMainWindowForText(QWidget* pWindow);
+// The primary screen's DPI in device pixels: Qt's logical DPI times its device pixel ratio, so
+// that QT_SCALE_FACTOR and a high-DPI screen both count. 96 without a screen.
+double ScreenDeviceDpi();
