@@ -130,8 +130,8 @@ TEST_F(MessageBox, GrowsWithItsTextWithinItsLimits) {
     EXPECT_EQ(Box(cases[6].text)->BoxSize().height(), 768);
 }
 
-TEST_F(MessageBox, ShortTextHasItsIconBesideItAndTheBodyIsShaped) {
-    const auto pBox = Box(kShortText);
+TEST_F(MessageBox, ShortTextBoxIsShapedNamedAndStaysOnTopWhenAsked) {
+    const auto pBox = Box(kShortText, mb::kOk, true);
     const QRect text = pBox->TextRect();
     ASSERT_NE(pBox->Icon(), nullptr);
     const QRect icon = pBox->Icon()->geometry();
@@ -143,6 +143,11 @@ TEST_F(MessageBox, ShortTextHasItsIconBesideItAndTheBodyIsShaped) {
     EXPECT_NE(RefFromRgb(pBox->Body().pixel(234, 100)), kKeyBlue);
     EXPECT_EQ(RefFromRgb(pBox->Body().pixel(0, 0)), kKeyBlue);
     EXPECT_FALSE(pBox->grab().isNull());
+    EXPECT_EQ(pBox->accessibleName(), u"Ovrin Viewer"_s);
+    EXPECT_EQ(pBox->accessibleDescription(), kShortText);
+    EXPECT_EQ(pBox->windowRole(), u"Torvane Message Box"_s);
+    EXPECT_TRUE(pBox->windowFlags().testFlags(Qt::WindowStaysOnTopHint | Qt::FramelessWindowHint));
+    EXPECT_FALSE(Box(kShortText)->windowFlags().testFlag(Qt::WindowStaysOnTopHint));
 }
 
 TEST_F(MessageBox, TypeChoosesButtonsRightToLeftAndIcon) {
@@ -189,16 +194,6 @@ TEST_F(MessageBox, TypeChoosesButtonsRightToLeftAndIcon) {
             EXPECT_EQ(pBox->CloseButton()->accessibleName(), u"Close"_s);
         }
     }
-}
-
-TEST_F(MessageBox, NamesItselfForAssistiveToolsAndStaysOnTopWhenAsked) {
-    const auto pBox = Box(kShortText, mb::kOk, true);
-    EXPECT_EQ(pBox->accessibleName(), u"Ovrin Viewer"_s);
-    EXPECT_EQ(pBox->accessibleDescription(), kShortText);
-    EXPECT_EQ(pBox->windowRole(), u"Torvane Message Box"_s);
-    EXPECT_TRUE(pBox->windowFlags().testFlag(Qt::WindowStaysOnTopHint));
-    EXPECT_TRUE(pBox->windowFlags().testFlag(Qt::FramelessWindowHint));
-    EXPECT_FALSE(Box(kShortText)->windowFlags().testFlag(Qt::WindowStaysOnTopHint));
 }
 
 TEST_F(MessageBox, EachButtonAndKeyGivesItsResult) {
