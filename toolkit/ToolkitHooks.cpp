@@ -38,3 +38,7 @@ void InstallToolkitHooks() {
 void SetMainWindowForText(QWidget* pWindow) {
     g_pMainWindow = pWindow;
 }
+
+QWidget* MainWindow() {
+    return g_pMainWindow;
+}
