@@ -133,8 +133,8 @@ void CProgressDlg::SetPos(int nPos) {
         return;
     }
     m_nPercent = nPercent;
-    // Marked first, so that the bar's own immediate paint takes the backdrop under it along.
-    update(ToLogical(kBarRect, DevicePixelRatioOf(this)));
+    // The bar paints at once, and as it is not opaque Qt repaints the backdrop under it in the
+    // same pass: invalidating the bar's place on the dialog as well would paint it twice.
     if (m_pBar != nullptr) {
         m_pBar->SetPos(nPercent);
     }
