@@ -28,12 +28,11 @@ public:
     int m_nCancels = 0;
     std::vector<int> m_commands;
 
+protected:
     bool OnCommand(int nId) override {
         m_commands.push_back(nId);
         return CTvgBaseDialog::OnCommand(nId);
     }
-
-protected:
     void OnCancel() override {
         ++m_nCancels;
         CTvgBaseDialog::OnCancel();
@@ -190,27 +189,6 @@ TEST(CTvgBaseDialog, EnterPressesNothingEscapeCancelsTabAndSpaceWorkTheButtons) 
     EXPECT_EQ(dialog.m_nCancels, 1);
     EXPECT_FALSE(dialog.isVisible());
     EXPECT_EQ(dialog.result(), QDialog::Rejected);
-}
-
-TEST(CTvgBaseDialog, TheCaptionCommandsCloseAndAboutIsSwallowed) {
-    CommittedSkin skin;
-    const struct {
-        int nId;
-        bool bHandled;
-        int nCancels;
-    } cases[] = {
-        {CTvgBaseDialog::kCloseId, true, 1},
-        {CTvgBaseDialog::kExtraId, true, 0},
-        {CTvgBaseDialog::kAboutId, true, 0},
-        {kOk, false, 0},
-    };
-    for (const auto& c : cases) {
-        TestDialog dialog;
-        Make(dialog, 0xFF);
-        dialog.show();
-        EXPECT_EQ(dialog.OnCommand(c.nId), c.bHandled) << c.nId;
-        EXPECT_EQ(dialog.m_nCancels, c.nCancels) << c.nId;
-    }
 }
 
 TEST(CTvgBaseDialog, MissingPicturesLeaveTheControlsWorking) {
