@@ -12,6 +12,8 @@ namespace {
 constexpr QDir::Filters kEveryEntry =
     QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot;
 
+NoticeHandler g_pfnNotice = nullptr;
+
 bool RemoveEntry(const QFileInfo& entry) {
     if (entry.isDir() && !entry.isSymLink()) {
         return QDir(entry.filePath()).removeRecursively();
@@ -19,17 +21,27 @@ bool RemoveEntry(const QFileInfo& entry) {
     return QFile::remove(entry.filePath());
 }
 
+void Notify(const QString& text) {
+    if (g_pfnNotice != nullptr) {
+        g_pfnNotice(text);
+    }
+}
+
 } // namespace
+
+void SetNoticeHandler(NoticeHandler pfnHandler) {
+    g_pfnNotice = pfnHandler;
+}
 
 bool EmptyFolder(const QString& path, bool bRemove) {
     if (path.isEmpty() || !QFileInfo(path).isDir()) {
         return false;
     }
-    // A failed entry does not stop the others; the caller learns of it by the folder.
+    // A failed entry does not stop the others.
     for (const QFileInfo& entry : QDir(path).entryInfoList(kEveryEntry)) {
         QString ignored;
-        if (!QFile::moveToTrash(entry.filePath(), &ignored)) {
-            RemoveEntry(entry);
+        if (!QFile::moveToTrash(entry.filePath(), &ignored) && !RemoveEntry(entry)) {
+            Notify(QString::fromUtf16(kEntryNotRemovedNotice));
         }
     }
     if (!bRemove) {

@@ -5,7 +5,15 @@
 #include <QString>
 #include <cstdint>
 
-// Moves every entry, hidden ones too, to the trash (plain removal where there is none).
+// Tells the user something; the program's windows install the teller, and without one the
+// settings say nothing.
+using NoticeHandler = void (*)(const QString& text);
+void SetNoticeHandler(NoticeHandler pfnHandler);
+// Shown for each entry that could be neither moved to the trash nor removed.
+inline constexpr char16_t kEntryNotRemovedNotice[] = u"Cancel the operation!!";
+
+// Moves every entry, hidden ones too, to the trash (plain removal where there is none). An
+// entry that stays is reported through the notice handler, and the others are still tried.
 // With bRemove the folder itself is removed as well, and the result is then that of
 // FolderHasNoEntries on the removed folder, which is false: callers of the family rely on it.
 bool EmptyFolder(const QString& path, bool bRemove);

@@ -1,7 +1,10 @@
 #include "ToolkitHooks.h"
 
 #include "CDisplayScale.h"
+#include "CTvgMessageBox.h"
+#include "FileSystemHelpers.h"
 #include "Formatting.h"
+#include "TvnStringIds.h"
 
 #include <QApplication>
 #include <QFontMetrics>
@@ -20,6 +23,11 @@ QString ElideToWidth(const QString& text, int nWidth, const void* pFont) {
     return QFontMetrics(font).elidedText(text, Qt::ElideRight, nWidth);
 }
 
+void ShowNotice(const QString& text) {
+    ShowMessageBoxText(text, mb::kOk, tvn::kBoxTitle, nullptr,
+                       QString::fromUtf16(kDefaultMessageIcon), false);
+}
+
 } // namespace
 
 double ScreenDeviceDpi() {
@@ -33,6 +41,7 @@ double ScreenDeviceDpi() {
 void InstallToolkitHooks() {
     SetTextTruncator(ElideToWidth);
     CDisplayScale::SetDpiSource(ScreenDeviceDpi);
+    SetNoticeHandler(ShowNotice);
 }
 
 void SetMainWindowForText(QWidget* pWindow) {

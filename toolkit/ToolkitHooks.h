@@ -1,5 +1,6 @@
-// What the settings layer leaves to a program with a screen: measuring text against a font and
-// the screen's DPI. A program with widgets installs both once, after its QApplication exists.
+// What the settings layer leaves to a program with a screen: measuring text against a font, the
+// screen's DPI, and telling the user through a message box. A program with widgets installs
+// them once, after its QApplication exists.
 #pragma once
 
 class QWidget;

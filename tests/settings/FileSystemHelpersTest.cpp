@@ -1,6 +1,7 @@
 // Folder helpers on temporary folders, with a temporary desktop trash.
 #include "FileSystemHelpers.h"
 #include "QtPrinters.h"
+#include "RestrictedTargets.h"
 #include "TestFiles.h"
 
 #include <gtest/gtest.h>
@@ -10,6 +11,7 @@
 namespace {
 
 namespace fs = std::filesystem;
+using namespace Qt::StringLiterals;
 
 class FileSystemHelpers : public ::testing::Test {
 protected:
@@ -67,6 +69,29 @@ TEST_F(FileSystemHelpers, WriteTestsLookAtTheFolderOfThePathAndLeaveNothingBehin
     }
     EXPECT_TRUE(FolderHasNoEntries(Path("w")));
     EXPECT_FALSE(FolderHasNoEntries(Path("missing")));
+}
+
+QStringList g_notices;
+
+void RecordNotice(const QString& text) {
+    g_notices.append(text);
+}
+
+TEST_F(FileSystemHelpers, EachEntryThatStaysIsReportedAndTheOthersAreStillTried) {
+    Fill("stuck");
+    const fs::path stuck = m_dir / "stuck";
+    fs::permissions(stuck, fs::perms::owner_read | fs::perms::owner_exec);
+    g_notices.clear();
+    {
+        testsupport::NoAccessOverride asUser;
+        EXPECT_TRUE(EmptyFolder(Path("stuck"), false)) << "no handler: nothing is said";
+        SetNoticeHandler(RecordNotice);
+        EXPECT_FALSE(EmptyFolder(Path("stuck"), true));
+        SetNoticeHandler(nullptr);
+    }
+    fs::permissions(stuck, fs::perms::owner_all);
+    EXPECT_EQ(g_notices, QStringList(3, u"Cancel the operation!!"_s)) << "one for each entry";
+    EXPECT_EQ(TrashedCount(), 0u);
 }
 
 } // namespace
