@@ -2,6 +2,7 @@
 
 #include "CAlphaButton.h"
 #include "CAlphaStatic.h"
+#include "CApProgressCtrl.h"
 #include "CGButton.h"
 #include "CGStatic.h"
 #include "DevicePixels.h"
@@ -99,4 +100,16 @@ int32_t CControlFactory::CreateAlphaStatic(const QRect& rect, QWidget* pParent, 
     }
     *ppOut = pStatic;
     return kStatusOk;
+}
+
+int32_t CControlFactory::CreateProgressCtrl(const QRect& rect, QWidget* pParent, int nId,
+                                            CApProgressCtrl** ppOut, const QString& backgroundPath,
+                                            const QString& unitPath) {
+    if (ppOut == nullptr || *ppOut != nullptr) {
+        return kStatusInvalidArgument;
+    }
+    auto* pBar = new CApProgressCtrl(pParent);
+    pBar->Create(rect, pParent, nId);
+    *ppOut = pBar;
+    return pBar->LoadImages(backgroundPath, unitPath) ? kStatusOk : kStatusFailed;
 }

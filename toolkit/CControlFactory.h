@@ -14,6 +14,7 @@
 
 class CAlphaButton;
 class CAlphaStatic;
+class CApProgressCtrl;
 class CGButton;
 class CGStatic;
 class QWidget;
@@ -42,6 +43,11 @@ public:
     int32_t CreateAlphaStatic(const QRect& rect, QWidget* pParent, int nId, CAlphaStatic** ppOut,
                               const QString& text, COLORREF textColour, uint32_t nStyle,
                               const QFont* pFont);
+
+    // Empty paths take the bar's default pictures; kStatusFailed when either is not there.
+    int32_t CreateProgressCtrl(const QRect& rect, QWidget* pParent, int nId,
+                               CApProgressCtrl** ppOut, const QString& backgroundPath,
+                               const QString& unitPath);
 
 private:
     QImage m_backdrop;

@@ -3,7 +3,6 @@
 #include "CAlphaStatic.h"
 #include "DevicePixels.h"
 #include "SkinFonts.h"
-#include "SkinImages.h"
 #include "SkinText.h"
 
 #include <QPainter>
@@ -47,7 +46,9 @@ void CGStatic::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     PaintInDevicePixels(painter, this);
     if (!m_backdrop.isNull()) {
-        painter.drawImage(0, 0, CaptureParentBackground(this, m_backdrop));
+        // At the parent's own origin, which a fractional scale may put between device pixels,
+        // so that the piece lines up with what the parent painted around it.
+        painter.drawImage(-QPointF(pos()) * DevicePixelRatioOf(this), m_backdrop);
     }
     if (!m_image.isNull()) {
         painter.drawImage(QPoint(0, 0), m_image, QRect(QPoint(0, 0), m_size));

@@ -47,3 +47,7 @@ void InstallToolkitHooks() {
 void SetMainWindowForText(QWidget* pWindow) {
     g_pMainWindow = pWindow;
 }
+
+QWidget* MainWindow() {
+    return g_pMainWindow;
+}

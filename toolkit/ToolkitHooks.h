@@ -9,6 +9,8 @@ void InstallToolkitHooks();
 // The window whose font measures text that names no font of its own; the application's font
 // until one is named.
 void SetMainWindowForText(QWidget* pWindow);
+// That window, or null; what a dialog without a parent belongs to.
+QWidget* MainWindow();
 // The primary screen's DPI in device pixels: Qt's logical DPI times its device pixel ratio, so
 // that QT_SCALE_FACTOR and a high-DPI screen both count. 96 without a screen.
 double ScreenDeviceDpi();

@@ -2,9 +2,11 @@
 // the mouse and keys of a person.
 #pragma once
 
+#include "CTvnStringTable.h"
 #include "CWindowMessage.h"
 #include "SkinImages.h"
 #include "TestFiles.h"
+#include "TvnText.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -46,6 +48,24 @@ public:
 
 private:
     testsupport::TempDir m_dir;
+};
+
+// The committed pictures under the source tree's Image/ and the English texts, for the life of
+// the object.
+class CommittedSkin {
+public:
+    CommittedSkin() {
+        SetInstallFolder(QDir::cleanPath(QStringLiteral(OVRIN_LANGUAGE_DIR "/..")));
+        m_table.LoadFile(QStringLiteral(OVRIN_LANGUAGE_DIR "/Enu/Tvnrc.txt"));
+        SetCurrentStringTable(&m_table);
+    }
+    ~CommittedSkin() {
+        SetCurrentStringTable(nullptr);
+        SetInstallFolder(QString());
+    }
+
+private:
+    CTvnStringTable m_table;
 };
 
 struct Message {
