@@ -262,12 +262,8 @@ void CAlphaButton::paintEvent(QPaintEvent*) {
     const int nOffset = m_nState == kPressed ? kPressedTextDrop : 0;
     DrawCaption(painter, nOffset);
     DrawIcon(painter, nOffset);
-    if (hasFocus()) {
-        painter.setPen(QPen(ColorFromRef(m_crText[kNormal]), 1, Qt::DotLine));
-        painter.drawRect(
-            QRect(0, 0, m_nWidth, m_nHeight)
-                .adjusted(kFocusInset, kFocusInset, -kFocusInset - 1, -kFocusInset - 1));
-    }
+    m_focusCue.Paint(painter, *this, QRect(0, 0, m_nWidth, m_nHeight), kFocusInset,
+                     ColorFromRef(m_crText[kNormal]));
 }
 
 void CAlphaButton::Press() {
@@ -328,6 +324,7 @@ void CAlphaButton::leaveEvent(QEvent*) {
 }
 
 void CAlphaButton::keyPressEvent(QKeyEvent* pEvent) {
+    m_focusCue.KeyPressed();
     if (pEvent->key() == Qt::Key_Space && !pEvent->isAutoRepeat()) {
         Press();
         return;
@@ -352,11 +349,13 @@ void CAlphaButton::changeEvent(QEvent* pEvent) {
 }
 
 void CAlphaButton::focusInEvent(QFocusEvent* pEvent) {
+    m_focusCue.FocusIn(*pEvent);
     update();
     QWidget::focusInEvent(pEvent);
 }
 
 void CAlphaButton::focusOutEvent(QFocusEvent* pEvent) {
+    m_focusCue.FocusOut();
     update();
     QWidget::focusOutEvent(pEvent);
 }

@@ -3,6 +3,7 @@
 // command with the button's id.
 #pragma once
 
+#include "CFocusCue.h"
 #include "ToolkitTypes.h"
 
 #include <QFont>
@@ -98,4 +99,5 @@ private:
     bool m_bChecked = false;
     QIcon m_icon;
     QString m_caption;
+    CFocusCue m_focusCue;
 };

@@ -406,6 +406,7 @@ void CGButton::leaveEvent(QEvent*) {
 }
 
 void CGButton::keyPressEvent(QKeyEvent* pEvent) {
+    m_focusCue.KeyPressed();
     if (pEvent->key() == Qt::Key_Space && !pEvent->isAutoRepeat()) {
         Press();
         return;
@@ -442,11 +443,13 @@ void CGButton::changeEvent(QEvent* pEvent) {
 }
 
 void CGButton::focusInEvent(QFocusEvent* pEvent) {
+    m_focusCue.FocusIn(*pEvent);
     update();
     QWidget::focusInEvent(pEvent);
 }
 
 void CGButton::focusOutEvent(QFocusEvent* pEvent) {
+    m_focusCue.FocusOut();
     update();
     QWidget::focusOutEvent(pEvent);
 }
@@ -701,10 +704,6 @@ void CGButton::paintEvent(QPaintEvent*) {
         }
         DrawCaption(painter, nFlags, textArea);
     }
-    if (hasFocus()) {
-        painter.setPen(QPen(ColorFromRef(m_crText[kNormal]), 1, Qt::DotLine));
-        painter.drawRect(
-            QRect(QPoint(0, 0), DeviceSize(this))
-                .adjusted(kFocusInset, kFocusInset, -kFocusInset - 1, -kFocusInset - 1));
-    }
+    m_focusCue.Paint(painter, *this, QRect(QPoint(0, 0), DeviceSize(this)), kFocusInset,
+                     ColorFromRef(m_crText[kNormal]));
 }

@@ -3,6 +3,7 @@
 // optional animated show. A click posts the parent a command and a clicked notice (1434).
 #pragma once
 
+#include "CFocusCue.h"
 #include "ToolkitTypes.h"
 
 #include <QBasicTimer>
@@ -182,4 +183,5 @@ private:
     int m_nId = 0;
     QString m_caption;
     QString m_tipText;
+    CFocusCue m_focusCue;
 };

@@ -58,8 +58,23 @@ void CGXTButton::SetIconIndex(int nIndex) {
 
 // A caption button has no text: its tool tip names it for screen readers.
 bool CGXTButton::event(QEvent* pEvent) {
-    if (pEvent->type() == QEvent::ToolTipChange && text().isEmpty()) {
-        setAccessibleName(toolTip());
+    switch (pEvent->type()) {
+    case QEvent::ToolTipChange:
+        if (text().isEmpty()) {
+            setAccessibleName(toolTip());
+        }
+        break;
+    case QEvent::FocusIn:
+        m_focusCue.FocusIn(*static_cast<QFocusEvent*>(pEvent));
+        break;
+    case QEvent::FocusOut:
+        m_focusCue.FocusOut();
+        break;
+    case QEvent::KeyPress:
+        m_focusCue.KeyPressed();
+        break;
+    default:
+        break;
     }
     return QAbstractButton::event(pEvent);
 }
@@ -73,12 +88,7 @@ void CGXTButton::paintEvent(QPaintEvent*) {
         painter.drawImage((size.width() - icon.width()) / 2, (size.height() - icon.height()) / 2,
                           icon);
     }
-    if (hasFocus()) {
-        painter.setPen(QPen(Qt::white, 1, Qt::DotLine));
-        painter.drawRect(
-            QRect(QPoint(0, 0), size)
-                .adjusted(kFocusInset, kFocusInset, -kFocusInset - 1, -kFocusInset - 1));
-    }
+    m_focusCue.Paint(painter, *this, QRect(QPoint(0, 0), size), kFocusInset, Qt::white);
 }
 
 void CGXTButton::mouseMoveEvent(QMouseEvent* pEvent) {

@@ -2,6 +2,7 @@
 // a strip (normal, hover, pressed), whose mask colour is transparent.
 #pragma once
 
+#include "CFocusCue.h"
 #include "ToolkitTypes.h"
 
 #include <QAbstractButton>
@@ -36,6 +37,7 @@ private:
     void SetIconIndex(int nIndex);
 
     QList<QImage> m_icons;
+    CFocusCue m_focusCue;
     int m_nIconWidth = 0;
     int m_nIconHeight = 0;
     bool m_bPressed = false;

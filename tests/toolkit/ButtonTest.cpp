@@ -181,6 +181,23 @@ TEST(SkinnedButtons, TabMovesBetweenThemAndSpacePressesTheFocusedOne) {
     EXPECT_EQ(messages.back().wParam, 11323u);
 }
 
+TEST(SkinnedButtons, ShowTheFocusFrameOnlyOnceTheKeyboardIsUsed) {
+    RecordingParent parent;
+    auto* pFirst = new CAlphaButton;
+    pFirst->Create(u"Yes"_s, kWsVisible, QRect(0, 0, 60, 24), &parent, 11323);
+    auto* pSecond = new CAlphaButton;
+    pSecond->Create(u"No"_s, kWsVisible, QRect(70, 0, 60, 24), &parent, 11320);
+    parent.show();
+    QApplication::setActiveWindow(&parent);
+    const QImage plain = pSecond->grab().toImage();
+    pSecond->setFocus(Qt::MouseFocusReason);
+    EXPECT_EQ(pSecond->grab().toImage(), plain);
+    Key(*pSecond, QEvent::KeyPress, Qt::Key_Backtab);
+    Key(*pFirst, QEvent::KeyPress, Qt::Key_Tab);
+    ASSERT_TRUE(pSecond->hasFocus());
+    EXPECT_NE(pSecond->grab().toImage(), plain);
+}
+
 TEST(SkinnedButtons, EachHasAnAccessibleNameFromItsCaptionOrTip) {
     QWidget parent;
     CAlphaButton captioned;

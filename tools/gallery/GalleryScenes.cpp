@@ -1,11 +1,29 @@
 #include "GalleryScenes.h"
 
+#include "CProgressDlg.h"
+#include "CTvgBaseDialog.h"
 #include "CTvgMessageBox.h"
+#include "TvnText.h"
+
+#include <QTimer>
 
 namespace {
 
 constexpr uint32_t kTitleId = 100;
 constexpr uint32_t kOpenFailedTextId = 656;
+constexpr uint32_t kProgressTitleId = 5023;
+constexpr uint32_t kExtractingTextId = 651;
+constexpr uint32_t kOkTextId = 8016;
+constexpr uint32_t kReplaceOrSkipTitleId = 6673;
+constexpr uint32_t kCancelTextId = 6084;
+constexpr int kOkId = 1;
+constexpr int kCancelId = 2;
+// The moving bar of the live scene: a step every tick, round and round.
+constexpr int kTickMs = 40;
+constexpr int kStepsPerRound = 250;
+const QString kConfirmBackdrop = QStringLiteral("Image\\Dialogs\\ConfirmDialog\\bg_confirm.png");
+const QString kSamplePath = QStringLiteral(
+    "/home/ada/Documents/Disc images/Holiday photos 2024/DCIM/100CANON/IMG_0042.JPG");
 
 const QString kLongText = QStringLiteral(
     "The files could not be extracted because the target folder lies on a disk that has no room "
@@ -69,11 +87,90 @@ std::vector<GalleryScene> MessageBoxScenes() {
     };
 }
 
+CProgressDlg* Progress(int nPercent) {
+    auto* pDialog = new CProgressDlg(nullptr, TvnText(kProgressTitleId), false, nullptr);
+    pDialog->SetRange(0, 100, 1);
+    pDialog->SetTextWithPath(TvnFormat(kExtractingTextId, QStringLiteral("IMG_0042.JPG")),
+                             kSamplePath);
+    pDialog->SetPos(nPercent);
+    return pDialog;
+}
+
+// The bar runs for as long as the dialog is up, as it does while the program extracts.
+QWidget* MovingProgress() {
+    CProgressDlg* pDialog = Progress(0);
+    auto* pTimer = new QTimer(pDialog);
+    QObject::connect(pTimer, &QTimer::timeout, pDialog, [pDialog, nStep = 0]() mutable {
+        nStep = (nStep + 1) % kStepsPerRound;
+        pDialog->SetPos(nStep * 100 / kStepsPerRound);
+    });
+    pTimer->start(kTickMs);
+    return pDialog;
+}
+
+QWidget* CancelledProgress() {
+    CProgressDlg* pDialog = Progress(73);
+    pDialog->SetText(TvnText(5109));
+    pDialog->ShowCancel(false);
+    return pDialog;
+}
+
+std::vector<GalleryScene> ProgressScenes() {
+    return {
+        {QStringLiteral("progress-40"), QStringLiteral("Extracting, 40 percent done"),
+         [] { return Progress(40); }},
+        {QStringLiteral("progress-moving"), QStringLiteral("The bar moving round and round"),
+         [] { return MovingProgress(); }},
+        {QStringLiteral("progress-stopping"),
+         QStringLiteral("After Cancel: stopping, the button gone"),
+         [] { return CancelledProgress(); }},
+    };
+}
+
+// A base dialog on the overwrite question's backdrop with the controls of one style word.
+class SampleBaseDialog : public CTvgBaseDialog {
+public:
+    SampleBaseDialog(uint32_t nStyle, bool bRaised) : m_nStyle(nStyle) {
+        SetCaptionRaised(bRaised);
+    }
+
+protected:
+    bool OnInitDialog() override {
+        CTvgBaseDialog::OnInitDialog();
+        CreateControls(kReplaceOrSkipTitleId, kConfirmBackdrop, kOkTextId, kOkId, kCancelTextId,
+                       kCancelId, 0, 0, m_nStyle);
+        return true;
+    }
+
+private:
+    uint32_t m_nStyle;
+};
+
+std::vector<GalleryScene> BaseDialogScenes() {
+    using S = CTvgBaseDialog;
+    const uint32_t kAll = S::kMinimise | S::kClose | S::kFirstButton | S::kSecondButton |
+                          S::kTitle | S::kIcon | S::kLogo | S::kExtra;
+    return {
+        {QStringLiteral("base-all"), QStringLiteral("A base dialog with every control"),
+         [kAll] { return new SampleBaseDialog(kAll, false); }},
+        {QStringLiteral("base-all-raised"), QStringLiteral("Every control, the caption row raised"),
+         [kAll] { return new SampleBaseDialog(kAll, true); }},
+        {QStringLiteral("base-title-close-one-button"),
+         QStringLiteral("Title, close button and one push button"),
+         [] { return new SampleBaseDialog(S::kTitle | S::kClose | S::kFirstButton, false); }},
+        {QStringLiteral("base-none"), QStringLiteral("Style 0: the backdrop alone"),
+         [] { return new SampleBaseDialog(0, false); }},
+    };
+}
+
 } // namespace
 
 const std::vector<GalleryScene>& GalleryScenes() {
     static const std::vector<GalleryScene> scenes = [] {
         std::vector<GalleryScene> all = MessageBoxScenes();
+        for (auto&& more : {ProgressScenes(), BaseDialogScenes()}) {
+            all.insert(all.end(), more.begin(), more.end());
+        }
         return all;
     }();
     return scenes;
