@@ -75,6 +75,7 @@ fuzz-long: build
 bench: build
 	bench/list-bench.sh $(BUILD)/bin/ovrin-cli
 	bench/extract-bench.sh $(BUILD)/bin/ovrin-cli
+	$(BUILD)/bin/ovrin-dialog-bench
 
 bench-extract: build
 	bench/extract-bench.sh $(BUILD)/bin/ovrin-cli
