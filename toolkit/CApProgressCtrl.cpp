@@ -3,6 +3,7 @@
 #include "CWindowMessage.h"
 #include "DevicePixels.h"
 #include "SkinImages.h"
+#include "SkinWindows.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
@@ -45,6 +46,12 @@ bool CApProgressCtrl::LoadImages(const QString& backgroundPath, const QString& u
     m_unit = LoadIfPresent(unitPath.isEmpty() ? QString::fromUtf16(kDefaultUnit) : unitPath);
     update();
     return !m_background.isNull() && !m_unit.isNull();
+}
+
+void CApProgressCtrl::ScaleImages(double scale) {
+    m_background = ScalePicture(m_background, scale);
+    m_unit = ScalePicture(m_unit, scale);
+    update();
 }
 
 bool CApProgressCtrl::ReplaceImage(int nSlot, const QString& relativePath) {

@@ -42,6 +42,8 @@ public:
     void SetUserData(uintptr_t nData) { m_nUserData = nData; }
     uintptr_t UserData() const { return m_nUserData; }
     int Id() const { return m_nId; }
+    // The loaded pictures enlarged by a dialog's scale, as the bar is drawn 1:1 from them.
+    void ScaleImages(double scale);
     // The rectangle given at creation; a new background makes its far corner a quarter of
     // the picture's width and its height.
     QRect ControlRect() const { return m_rcControl; }

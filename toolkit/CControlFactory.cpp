@@ -7,11 +7,16 @@
 #include "CGStatic.h"
 #include "DevicePixels.h"
 #include "SkinImages.h"
+#include "SkinWindows.h"
 
 int32_t CControlFactory::LoadBackdrop(const QString& relativePath) {
     m_backdrop = FlattenImage(LoadInstallImage(relativePath, false), kFlattenWhite)
                      .convertToFormat(QImage::Format_ARGB32_Premultiplied);
     return m_backdrop.isNull() ? kStatusFailed : kStatusOk;
+}
+
+void CControlFactory::ScaleBackdrop(double scale) {
+    m_backdrop = ScalePicture(m_backdrop, scale);
 }
 
 int32_t CControlFactory::SetUpAlphaButton(CAlphaButton* pButton, const QString& stripPath,

@@ -23,6 +23,9 @@ class CControlFactory {
 public:
     // Flattened on white; replaces the old backdrop, or clears it when the picture is missing.
     int32_t LoadBackdrop(const QString& relativePath);
+    // The backdrop enlarged by the dialog's scale, so that controls blend over what the dialog
+    // paints under them.
+    void ScaleBackdrop(double scale);
     const QImage& Backdrop() const { return m_backdrop; }
 
     // rect in device pixels before the DPI scale; a strip of 4 pictures.

@@ -4,6 +4,7 @@
 #include "DevicePixels.h"
 #include "SkinFonts.h"
 #include "SkinText.h"
+#include "SkinWindows.h"
 
 #include <QPainter>
 
@@ -15,6 +16,14 @@ void CGStatic::SetImage(const QImage& image, int nWidth, int nHeight) {
     m_size = QSize(nWidth, nHeight);
     resize(ToLogical(m_size, DevicePixelRatioOf(this)));
     update();
+}
+
+void CGStatic::ScaleImage(double scale) {
+    if (m_image.isNull()) {
+        return;
+    }
+    const QSize size = ScaleSize(m_size, scale);
+    SetImage(ScalePicture(m_image, scale), size.width(), size.height());
 }
 
 void CGStatic::SetBackdrop(const QImage& backdrop) {

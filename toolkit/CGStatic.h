@@ -18,6 +18,8 @@ public:
     // The picture (premultiplied or opaque) and its size in device pixels; the control takes
     // that size. A null picture leaves the control empty.
     void SetImage(const QImage& image, int nWidth, int nHeight);
+    // The picture and the control enlarged by a dialog's scale.
+    void ScaleImage(double scale);
     void SetBackdrop(const QImage& backdrop);
     void SetText(const QString& text);
     void SetFont(const QFont& font);

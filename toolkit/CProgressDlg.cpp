@@ -3,7 +3,6 @@
 #include "CAlphaButton.h"
 #include "CAlphaStatic.h"
 #include "CApProgressCtrl.h"
-#include "CDisplayScale.h"
 #include "CWindowMessage.h"
 #include "DevicePixels.h"
 #include "Formatting.h"
@@ -44,16 +43,11 @@ constexpr int kPercent = 100;
 // The longest text the label is given, as the label's buffer held.
 constexpr int kMaxTextLength = 300;
 
-QRect Scaled(const QRect& rect, double scale) {
-    return QRect(static_cast<int>(rect.x() * scale), static_cast<int>(rect.y() * scale),
-                 static_cast<int>(rect.width() * scale), static_cast<int>(rect.height() * scale));
-}
-
 } // namespace
 
-CProgressDlg::CProgressDlg(QWidget* pParent, const QString& title, bool bScale, QWidget* pNotify)
+CProgressDlg::CProgressDlg(QWidget* pParent, const QString& title, QWidget* pNotify)
     : QDialog(pParent != nullptr ? pParent : MainWindow(), Qt::Dialog | Qt::FramelessWindowHint),
-      m_pParent(parentWidget()), m_pNotify(pNotify), m_strTitle(title), m_bScale(bScale) {
+      m_scale(DialogScale()), m_pParent(parentWidget()), m_pNotify(pNotify), m_strTitle(title) {
     setModal(false);
     setWindowTitle(title);
     OnInitDialog();
@@ -73,47 +67,40 @@ void CProgressDlg::OnInitDialog() {
     LoadBackdrop();
     CreateChildren();
     m_pText->SetWordEllipsis(true);
-    if (m_bScale) {
-        ScaleByDpi();
-    }
 }
 
 void CProgressDlg::MakeFonts() {
-    m_titleFont = MakeDialogFont(kProgressTitleNumerator, kWeightNormal);
-    m_textFont = MakeDialogFont(kBodyFontNumerator, kWeightNormal);
+    m_titleFont = ScaleFont(MakeDialogFont(kProgressTitleNumerator, kWeightNormal), m_scale);
+    m_textFont = ScaleFont(MakeDialogFont(kBodyFontNumerator, kWeightNormal), m_scale);
 }
 
 void CProgressDlg::LoadBackdrop() {
-    m_memory = LoadShapedBackdrop(QString::fromUtf16(kBackdropPath));
-    m_size = m_memory.isNull() ? kTemplateSize : m_memory.size();
-    resize(ToLogical(m_size, DevicePixelRatioOf(this)));
+    const QImage backdrop = LoadShapedBackdrop(QString::fromUtf16(kBackdropPath));
+    m_size = backdrop.isNull() ? kTemplateSize : backdrop.size();
+    m_memory = ScaleShapedPicture(backdrop, m_scale);
+    resize(ToLogical(ScaleSize(m_size, m_scale), DevicePixelRatioOf(this)));
     ShapeWindowToBackdrop(this, m_memory);
 }
 
 void CProgressDlg::CreateChildren() {
     const int w = m_size.width();
     const int h = m_size.height();
-    m_factory.CreateAlphaStatic(kTextRect, this, 0, &m_pText, m_strText, kTextWhite, ss::kCenter,
-                                &m_textFont);
+    m_factory.CreateAlphaStatic(ScaleRect(kTextRect, m_scale), this, 0, &m_pText, m_strText,
+                                kTextWhite, ss::kCenter, &m_textFont);
     m_factory.CreateAlphaStatic(QRect(0, 0, kTitleWidth, kTitleHeight), this, 0, &m_pTitle,
                                 m_strTitle, kTextWhite, ss::kCenter, &m_titleFont);
-    PlaceChild(m_pTitle, QRect((w - kTitleWidth) / 2, kTitleTop, kTitleWidth, kTitleHeight));
+    PlaceChild(
+        m_pTitle,
+        ScaleRect(QRect((w - kTitleWidth) / 2, kTitleTop, kTitleWidth, kTitleHeight), m_scale));
     m_factory.CreateAlphaButton(
         QRect(QPoint(w - kCancelFromRight, h - kCancelFromBottom), kCancelSize), this, kCancelId,
         &m_pCancel, QString::fromUtf16(kButtonStrip), TvnText(tvn::kButtonCancel), 0, kTextWhite);
     m_factory.CreateAlphaButton(
         QRect(w - kCloseFromRight, kCloseTop, kCaptionButtonSide, kCaptionButtonSide), this,
         kCloseId, &m_pClose, QString::fromUtf16(kCloseStrip), QString(), 0, kTextWhite);
-    m_factory.CreateProgressCtrl(kBarRect, this, 0, &m_pBar, QString::fromUtf16(kBarBackground),
-                                 QString::fromUtf16(kBarUnit));
-}
-
-void CProgressDlg::ScaleByDpi() {
-    const double scale = GetDpiScale(false);
-    PlaceChild(m_pBar, Scaled(kBarRect, scale));
-    const QSize scaled(static_cast<int>(m_size.width() * scale),
-                       static_cast<int>(m_size.height() * scale));
-    resize(ToLogical(scaled, DevicePixelRatioOf(this)));
+    m_factory.CreateProgressCtrl(ScaleRect(kBarRect, m_scale), this, 0, &m_pBar,
+                                 QString::fromUtf16(kBarBackground), QString::fromUtf16(kBarUnit));
+    m_pBar->ScaleImages(m_scale);
 }
 
 void CProgressDlg::SetRange(int nLower, int nUpper, int nStep) {
@@ -176,7 +163,8 @@ bool CProgressDlg::SetTextNoTruncate(const QString& text) {
 
 bool CProgressDlg::SetTextWithPath(const QString& prefix, const QString& path) {
     QString shortPath;
-    TruncateTextToWidth(shortPath, path, kPathWidth, &m_textFont);
+    TruncateTextToWidth(shortPath, path, ScaleSize(QSize(kPathWidth, 0), m_scale).width(),
+                        &m_textFont);
     // Cut already: a second cut would join the two lines.
     return SetTextNoTruncate(prefix + u'\n' + shortPath);
 }

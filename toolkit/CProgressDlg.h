@@ -28,8 +28,8 @@ public:
     static constexpr int kCloseId = 2;
 
     // pParent null: the main window. pNotify may be null: then a cancel only sets the flag.
-    // bScale makes the window and the bar larger by the DPI scale.
-    CProgressDlg(QWidget* pParent, const QString& title, bool bScale, QWidget* pNotify);
+    // The whole window follows the DPI scale, as every skinned dialog does.
+    CProgressDlg(QWidget* pParent, const QString& title, QWidget* pNotify);
     ~CProgressDlg() override;
 
     void SetRange(int nLower, int nUpper, int nStep);
@@ -67,7 +67,6 @@ private:
     void MakeFonts();
     void LoadBackdrop();
     void CreateChildren();
-    void ScaleByDpi();
     void OnCancelRequest();
     bool ShowText(const QString& text);
 
@@ -76,6 +75,8 @@ private:
     CAlphaStatic* m_pText = nullptr;
     CApProgressCtrl* m_pBar = nullptr;
     CAlphaButton* m_pCancel = nullptr;
+    // The window is laid out at 1.0 in m_size and drawn at m_scale.
+    double m_scale;
     QSize m_size;
     QImage m_memory;
     CControlFactory m_factory;
@@ -89,7 +90,6 @@ private:
     int m_nLower = 0;
     QString m_strTitle;
     QString m_strText;
-    bool m_bScale;
     QFont m_titleFont;
     QFont m_textFont;
 };

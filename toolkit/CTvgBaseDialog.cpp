@@ -56,7 +56,7 @@ QString TextOrEmpty(uint32_t nId) {
 } // namespace
 
 CTvgBaseDialog::CTvgBaseDialog(QWidget* pParent)
-    : CTvgDialog(pParent, Qt::Dialog | Qt::FramelessWindowHint) {
+    : CTvgDialog(pParent, Qt::Dialog | Qt::FramelessWindowHint), m_scale(DialogScale()) {
     if (qApp != nullptr) {
         m_windowIcon = QApplication::windowIcon().isNull()
                            ? QIcon::fromTheme(QString::fromUtf16(kProgramIcon))
@@ -99,13 +99,14 @@ int32_t CTvgBaseDialog::CreateControls(const QString& title, const QString& back
     setWindowTitle(title);
     if (!backdropPath.isEmpty()) {
         m_factory.LoadBackdrop(backdropPath);
+        m_factory.ScaleBackdrop(m_scale);
     }
     MakeFonts();
     CreateCaptionButtons(nStyle);
     CreatePictures(nStyle);
     if ((nStyle & kTitle) != 0) {
-        m_factory.CreateAlphaStatic(kTitleRect, this, 0, &m_pTitle, title, kTextWhite, ss::kCenter,
-                                    &m_titleFont);
+        m_factory.CreateAlphaStatic(ScaleRect(kTitleRect, m_scale), this, 0, &m_pTitle, title,
+                                    kTextWhite, ss::kCenter, &m_titleFont);
     }
     CreatePushButtons((nStyle & kFirstButton) != 0 ? firstCaption : QString(), nFirstId,
                       (nStyle & kSecondButton) != 0 ? secondCaption : QString(), nSecondId);
@@ -113,9 +114,9 @@ int32_t CTvgBaseDialog::CreateControls(const QString& title, const QString& back
 }
 
 void CTvgBaseDialog::MakeFonts() {
-    m_largeFont = MakeDialogFont(kLargeTitleFontNumerator, kWeightBold);
-    m_titleFont = MakeDialogFont(kTitleFontNumerator, kWeightNormal);
-    m_bodyFont = MakeDialogFont(kBodyFontNumerator, kWeightNormal);
+    m_largeFont = ScaleFont(MakeDialogFont(kLargeTitleFontNumerator, kWeightBold), m_scale);
+    m_titleFont = ScaleFont(MakeDialogFont(kTitleFontNumerator, kWeightNormal), m_scale);
+    m_bodyFont = ScaleFont(MakeDialogFont(kBodyFontNumerator, kWeightNormal), m_scale);
 }
 
 void CTvgBaseDialog::CreateCaptionButtons(uint32_t nStyle) {
@@ -139,11 +140,14 @@ void CTvgBaseDialog::CreateCaptionButtons(uint32_t nStyle) {
 
 void CTvgBaseDialog::CreatePictures(uint32_t nStyle) {
     if ((nStyle & kLogo) != 0) {
-        m_factory.CreateGStatic(kLogoRect.translated(0, Raise()), this, 0, &m_pLogo,
-                                QString::fromUtf16(kLogoPicture));
+        m_factory.CreateGStatic(ScaleRect(kLogoRect.translated(0, Raise()), m_scale), this, 0,
+                                &m_pLogo, QString::fromUtf16(kLogoPicture));
+        m_pLogo->ScaleImage(m_scale);
     }
     if ((nStyle & kIcon) != 0) {
-        m_factory.CreateGStatic(kIconRect, this, 0, &m_pIcon, QString::fromUtf16(kIconPicture));
+        m_factory.CreateGStatic(ScaleRect(kIconRect, m_scale), this, 0, &m_pIcon,
+                                QString::fromUtf16(kIconPicture));
+        m_pIcon->ScaleImage(m_scale);
     }
 }
 
@@ -187,7 +191,7 @@ int32_t CTvgBaseDialog::LoadBackdrop(const QString& relativePath) {
     if (backdrop.isNull()) {
         return kStatusFailed;
     }
-    m_memory = backdrop;
+    m_memory = ScaleShapedPicture(backdrop, m_scale);
     m_size = backdrop.size();
     move(0, 0);
     ShapeWindowToBackdrop(this, m_memory);
@@ -198,9 +202,9 @@ int32_t CTvgBaseDialog::LoadBackdrop(const QString& relativePath) {
 
 void CTvgBaseDialog::LayOut(int nWidth, int nHeight) {
     const int y = m_nOffsetY + kCaptionTop + Raise();
-    const auto place = [](QWidget* pControl, const QRect& rect) {
+    const auto place = [this](QWidget* pControl, const QRect& rect) {
         if (pControl != nullptr) {
-            PlaceChild(pControl, rect);
+            PlaceChild(pControl, ScaleRect(rect, m_scale));
         }
     };
     const QSize caption(kCaptionSide, kCaptionSide);
@@ -213,6 +217,10 @@ void CTvgBaseDialog::LayOut(int nWidth, int nHeight) {
     const int yButtons = nHeight - kButtonsFromBottom;
     place(m_pFirst, QRect(QPoint(xFirst, yButtons), kButtonSize));
     place(m_pSecond, QRect(QPoint(xFirst + kButtonPitch, yButtons), kButtonSize));
+}
+
+QSize CTvgBaseDialog::BackdropSize() const {
+    return ScaleSize(m_size, m_scale);
 }
 
 void CTvgBaseDialog::ShowControls(uint32_t nStyle, bool bShow) {

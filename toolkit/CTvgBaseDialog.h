@@ -56,7 +56,8 @@ public:
     // kStatusInvalidArgument for no path, kStatusFailed for a picture that cannot be read;
     // the window then keeps its size and shape.
     int32_t LoadBackdrop(const QString& relativePath);
-    // Places the caption row and the push buttons for a window of nWidth by nHeight.
+    // Places the caption row and the push buttons for a window of nWidth by nHeight at 1.0;
+    // they land at the dialog's scale.
     void LayOut(int nWidth, int nHeight);
     void ShowControls(uint32_t nStyle, bool bShow);
     // The control of one style bit into *ppOut; any other value leaves *ppOut alone.
@@ -68,7 +69,8 @@ public:
     void SetCaptionRaised(bool bRaised) { m_bCaptionRaised = bRaised; }
     // The settings store that decides the extra button; null, the program's.
     void SetRegistry(CRegistry* pRegistry) { m_pRegistry = pRegistry; }
-    QSize BackdropSize() const { return m_size; }
+    // Device pixels.
+    QSize BackdropSize() const;
     const QFont& LargeFont() const { return m_largeFont; }
     const QFont& TitleFont() const { return m_titleFont; }
     const QFont& BodyFont() const { return m_bodyFont; }
@@ -94,6 +96,8 @@ private:
     int Raise() const { return m_bCaptionRaised ? -kRaise : 0; }
 
     bool m_bCaptionRaised = false;
+    // The dialog is laid out at 1.0, m_size included, and drawn at this scale.
+    double m_scale;
     QImage m_memory;
     QSize m_size;
     CControlFactory m_factory;

@@ -9,6 +9,7 @@
 #include "SkinImages.h"
 #include "SkinRegions.h"
 #include "SkinText.h"
+#include "SkinWindows.h"
 #include "TvnText.h"
 
 #include <QApplication>
@@ -132,7 +133,7 @@ CTvgMessageBox::CTvgMessageBox(const QString& text, const QString& title, uint32
     : QDialog(pParent, Qt::Dialog | Qt::FramelessWindowHint |
                            (bTopMost ? Qt::WindowStaysOnTopHint : Qt::Widget)),
       m_bTopMost(bTopMost), m_text(text), m_title(title), m_iconPath(IconPathFor(nType, iconPath)),
-      m_nType(nType) {
+      m_nType(nType), m_scale(DialogScale()) {
     setObjectName(QString::fromUtf16(kMessageBoxClassName));
     setWindowRole(QString::fromUtf16(kMessageBoxClassName));
     setWindowTitle(m_title);
@@ -204,6 +205,14 @@ int CTvgMessageBox::OpenCount() {
     return g_nOpenBoxes;
 }
 
+QSize CTvgMessageBox::BoxSize() const {
+    return ScaleSize(m_size, m_scale);
+}
+
+QRect CTvgMessageBox::TextRect() const {
+    return ScaleRect(m_rcText, m_scale);
+}
+
 std::vector<CAlphaButton*> CTvgMessageBox::Buttons() const {
     std::vector<CAlphaButton*> buttons;
     for (const auto& pButton : m_buttons) {
@@ -215,6 +224,7 @@ std::vector<CAlphaButton*> CTvgMessageBox::Buttons() const {
 void CTvgMessageBox::OnInitDialog() {
     ++g_nOpenBoxes;
     m_factory.LoadBackdrop(kBackdropPath);
+    m_factory.ScaleBackdrop(m_scale);
     CreateTitleAndIcon();
     ComposeBody();
     CreateButtons();
@@ -224,13 +234,15 @@ void CTvgMessageBox::OnInitDialog() {
 void CTvgMessageBox::CreateTitleAndIcon() {
     if (!m_iconPath.isEmpty()) {
         CGStatic* pIcon = nullptr;
-        m_factory.CreateGStatic(QRect(kIconStart, QSize(0, 0)), this, 0, &pIcon, m_iconPath);
+        m_factory.CreateGStatic(ScaleRect(QRect(kIconStart, QSize(0, 0)), m_scale), this, 0, &pIcon,
+                                m_iconPath);
         m_pIcon.reset(pIcon);
+        m_pIcon->ScaleImage(m_scale);
         // Without its picture the icon would be an empty square that still stops a drag.
         m_pIcon->setVisible(m_pIcon->HasImage());
     }
-    m_titleFont = MakeDialogFont(kTitleFontNumerator, kWeightNormal);
-    m_bodyFont = MakeDialogFont(kBodyFontNumerator, kWeightNormal);
+    m_titleFont = ScaleFont(MakeDialogFont(kTitleFontNumerator, kWeightNormal), m_scale);
+    m_bodyFont = ScaleFont(MakeDialogFont(kBodyFontNumerator, kWeightNormal), m_scale);
     CAlphaStatic* pTitle = nullptr;
     m_factory.CreateAlphaStatic(QRect(QPoint(0, 0), kTitleSize), this, 0, &pTitle, m_title,
                                 kTextWhite, ss::kCenter, &m_titleFont);
@@ -239,29 +251,41 @@ void CTvgMessageBox::CreateTitleAndIcon() {
     m_pTitle->setAttribute(Qt::WA_TransparentForMouseEvents);
 }
 
+// The text's size at 1.0 in a room at 1.0, measured at the font the box draws with and rounded
+// up, so that the scaled text rectangle holds the text as drawn.
+QRect CTvgMessageBox::MeasureText(const QRect& room, uint32_t nFlags) const {
+    const QRect measured =
+        DrawSkinText(nullptr, m_bodyFont, ScaleRect(room, m_scale), nFlags, m_text);
+    return QRect(room.topLeft(),
+                 QSize(qCeil(measured.width() / m_scale), qCeil(measured.height() / m_scale)));
+}
+
 // Sizes the box by its text and paints the body, text included, once.
 void CTvgMessageBox::ComposeBody() {
-    QRect rcText = DrawSkinText(nullptr, m_bodyFont, kTextStart, kMeasureOneLine, m_text);
+    QRect rcText = MeasureText(kTextStart, kMeasureOneLine);
     // An empty text measures no height; it counts as one empty line.
-    const int nLineHeight = qMax(rcText.height(), QFontMetrics(m_bodyFont).height());
+    const int nLineHeight =
+        qMax(rcText.height(), qCeil(QFontMetrics(m_bodyFont).height() / m_scale));
     const int nPerLine = rcText.width() / qMax(1, kLineHeightBudget / nLineHeight);
     // A line too long for the widest box keeps its one-line width: the box grows to fit it.
     if (nPerLine <= kMaxLineWidth) {
         rcText.setWidth(qMax(nPerLine, kMinTextWidth));
     }
-    rcText = DrawSkinText(nullptr, m_bodyFont, rcText, kMeasureWrapped, m_text);
+    rcText = MeasureText(rcText, kMeasureWrapped);
     rcText.setHeight(qMax(rcText.height(), nLineHeight));
 
     const int nExtraWidth = qMax(0, rcText.width() - kMinTextWidth);
     const int nExtraHeight = qBound(0, rcText.height() - kHeightAllowance, kMaxExtraHeight);
     m_size = kBaseSize + QSize(nExtraWidth, nExtraHeight);
 
-    m_body = QImage(m_size, QImage::Format_ARGB32_Premultiplied);
-    m_body.fill(ColorFromRef(kKeyBlue));
+    QImage pieces(m_size, QImage::Format_ARGB32_Premultiplied);
+    pieces.fill(ColorFromRef(kKeyBlue));
     {
-        QPainter painter(&m_body);
+        QPainter painter(&pieces);
         DrawPieces(painter, nExtraWidth, nExtraHeight);
     }
+    // The text is drawn after scaling, at the scaled font, so that it stays crisp.
+    m_body = ScaleShapedPicture(pieces, m_scale);
     const int nAvailable = m_size.height() - kTextAreaMargin;
     // A text taller than the band between the title line and the buttons starts at the top of
     // the band instead of climbing over the title.
@@ -313,17 +337,18 @@ void CTvgMessageBox::DrawTextIntoBody() {
     painter.setPen(ColorFromRef(kTextWhite));
     // Whole lines only, and none under the buttons: the cut falls at a line's end.
     const QRect band(0, kTextAreaTop, m_size.width(), m_size.height() - kTextAreaMargin);
-    DrawSkinText(&painter, m_bodyFont, m_rcText.intersected(band), kDrawWrapped, m_text);
+    DrawSkinText(&painter, m_bodyFont, ScaleRect(m_rcText.intersected(band), m_scale), kDrawWrapped,
+                 m_text);
 }
 
 // The outline comes from the key colour left at the corners; the window takes the body's size
 // in device pixels and stands in the middle of its owner or of the screen.
 void CTvgMessageBox::ApplyShape() {
     const qreal dpr = DevicePixelRatioOf(this);
-    setFixedSize(ToLogical(m_size, dpr));
+    setFixedSize(ToLogical(m_body.size(), dpr));
     const QRegion outline = CreateRegionFromBitmap(m_body, kKeyBlue);
     if (!outline.isEmpty()) {
-        setMask(LogicalOutline(outline, m_size, dpr));
+        setMask(LogicalOutline(outline, m_body.size(), dpr));
     }
     CentreWindow();
 }
@@ -368,18 +393,19 @@ void CTvgMessageBox::CreateButtons() {
 }
 
 void CTvgMessageBox::PlaceTitleAndIcon() {
-    const qreal dpr = DevicePixelRatioOf(this);
     if (m_pIcon != nullptr && m_size.height() == kBaseSize.height()) {
         const QSize icon = DeviceSize(m_pIcon.get());
+        const QRect text = TextRect();
+        const QRect gap = ScaleRect(QRect(0, 0, kIconGapBeforeText, 0), m_scale);
         // Centred on the text, which stands in the middle of the band between the title line
         // and the buttons; the middle of the whole window would set the icon lower than the
         // text it belongs to.
-        const QPoint at(m_rcText.left() - kIconGapBeforeText,
-                        m_rcText.top() + (m_rcText.height() - icon.height()) / 2);
-        m_pIcon->move(ToLogical(QRect(at, icon), dpr).topLeft());
+        const QPoint at(text.left() - gap.width(),
+                        text.top() + (text.height() - icon.height()) / 2);
+        m_pIcon->move(ToLogical(QRect(at, icon), DevicePixelRatioOf(this)).topLeft());
     }
     const QRect title(QPoint((m_size.width() - kTitleSize.width()) / 2, kTitleTop), kTitleSize);
-    m_pTitle->setGeometry(ToLogical(title, dpr));
+    PlaceChild(m_pTitle.get(), ScaleRect(title, m_scale));
 }
 
 void CTvgMessageBox::accept() {

@@ -76,8 +76,8 @@ public:
     static int OpenCount();
 
     // Device pixels.
-    QSize BoxSize() const { return m_size; }
-    QRect TextRect() const { return m_rcText; }
+    QSize BoxSize() const;
+    QRect TextRect() const;
     const QImage& Body() const { return m_body; }
     QString IconPath() const { return m_iconPath; }
     bool TopMost() const { return m_bTopMost; }
@@ -108,6 +108,7 @@ private:
     void OnInitDialog();
     void CreateTitleAndIcon();
     void ComposeBody();
+    QRect MeasureText(const QRect& room, uint32_t nFlags) const;
     void DrawPieces(QPainter& painter, int nExtraWidth, int nExtraHeight) const;
     void DrawTextIntoBody();
     void ApplyShape();
@@ -125,6 +126,8 @@ private:
     std::unique_ptr<CAlphaStatic> m_pTitle;
     std::unique_ptr<CAlphaButton> m_pClose;
     uint32_t m_nType;
+    // The box is laid out at 1.0 in m_size and m_rcText, and drawn at this scale.
+    double m_scale;
     QSize m_size;
     QImage m_body;
     CControlFactory m_factory;

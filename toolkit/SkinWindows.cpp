@@ -1,5 +1,6 @@
 #include "SkinWindows.h"
 
+#include "CDisplayScale.h"
 #include "DevicePixels.h"
 #include "SkinImages.h"
 #include "SkinRegions.h"
@@ -77,7 +78,70 @@ QRegion LogicalOutline(const QRegion& device, QSize size, qreal dpr) {
     return outline;
 }
 
+constexpr int kOpaque = 255;
+
+int ScaleEdge(int nEdge, double scale) {
+    return static_cast<int>(nEdge * scale);
+}
+
 } // namespace
+
+double DialogScale() {
+    return GetDpiScale(false);
+}
+
+QRect ScaleRect(const QRect& rect, double scale) {
+    return QRect(QPoint(ScaleEdge(rect.left(), scale), ScaleEdge(rect.top(), scale)),
+                 QPoint(ScaleEdge(rect.left() + rect.width(), scale) - 1,
+                        ScaleEdge(rect.top() + rect.height(), scale) - 1));
+}
+
+QSize ScaleSize(const QSize& size, double scale) {
+    return QSize(ScaleEdge(size.width(), scale), ScaleEdge(size.height(), scale));
+}
+
+QImage ScalePicture(const QImage& picture, double scale) {
+    if (scale == 1.0 || picture.isNull()) {
+        return picture;
+    }
+    return picture.scaled(ScaleSize(picture.size(), scale), Qt::IgnoreAspectRatio,
+                          Qt::SmoothTransformation);
+}
+
+QImage ScaleShapedPicture(const QImage& keyed, double scale) {
+    if (scale == 1.0 || keyed.isNull()) {
+        return keyed;
+    }
+    const QRgb key = ColorFromRef(kKeyBlue).rgb();
+    // The key turns transparent, so that filtering fades the edge out instead of tinting it.
+    QImage cut = keyed.convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    for (int y = 0; y < cut.height(); ++y) {
+        auto* pLine = reinterpret_cast<QRgb*>(cut.scanLine(y));
+        for (int x = 0; x < cut.width(); ++x) {
+            if ((pLine[x] | 0xFF000000U) == key) {
+                pLine[x] = 0;
+            }
+        }
+    }
+    QImage scaled = ScalePicture(cut, scale);
+    for (int y = 0; y < scaled.height(); ++y) {
+        auto* pLine = reinterpret_cast<QRgb*>(scaled.scanLine(y));
+        for (int x = 0; x < scaled.width(); ++x) {
+            if (qAlpha(pLine[x]) < kOpaque) {
+                pLine[x] = key;
+            }
+        }
+    }
+    return scaled;
+}
+
+QFont ScaleFont(const QFont& font, double scale) {
+    QFont scaled = font;
+    if (font.pixelSize() > 0) {
+        scaled.setPixelSize(qRound(font.pixelSize() * scale));
+    }
+    return scaled;
+}
 
 QRect RectFromEdges(int nLeft, int nTop, int nRight, int nBottom) {
     return QRect(nLeft, nTop, nRight - nLeft, nBottom - nTop);

@@ -41,7 +41,7 @@ TEST(CProgressDlg, PercentRoundsHalfUpAndAnEmptyRangeGivesZero) {
         {0, 100, 40, 40}, {5, 5, 700, 0}, {20, 10, 15, 0},
     };
     for (const auto& c : cases) {
-        CProgressDlg dialog(nullptr, u"Progress"_s, false, nullptr);
+        CProgressDlg dialog(nullptr, u"Progress"_s, nullptr);
         dialog.SetRange(c.nLower, c.nUpper, 1);
         dialog.SetPos(c.nPos);
         EXPECT_EQ(dialog.Percent(), c.nPercent) << c.nLower << ".." << c.nUpper << " " << c.nPos;
@@ -51,7 +51,7 @@ TEST(CProgressDlg, PercentRoundsHalfUpAndAnEmptyRangeGivesZero) {
 
 TEST(CProgressDlg, RepaintsTheBarOnlyWhenThePercentChanges) {
     CommittedSkin skin;
-    CProgressDlg dialog(nullptr, u"Progress"_s, false, nullptr);
+    CProgressDlg dialog(nullptr, u"Progress"_s, nullptr);
     dialog.SetRange(0, 10000, 1);
     dialog.show();
     QCoreApplication::processEvents();
@@ -144,7 +144,7 @@ TEST(CProgressDlg, EveryWayToCancelSetsTheFlagAndTellsTheNotifyWindow) {
     for (const CancelCase& c : cases) {
         for (const bool bNotify : {true, false}) {
             RecordingParent notify;
-            CProgressDlg dialog(nullptr, u"Progress"_s, false, bNotify ? &notify : nullptr);
+            CProgressDlg dialog(nullptr, u"Progress"_s, bNotify ? &notify : nullptr);
             dialog.show();
             c.act(dialog);
             QCoreApplication::sendPostedEvents(&dialog);
@@ -164,7 +164,7 @@ TEST(CProgressDlg, EveryWayToCancelSetsTheFlagAndTellsTheNotifyWindow) {
 TEST(CProgressDlg, EnterCancelsNothing) {
     CommittedSkin skin;
     RecordingParent notify;
-    CProgressDlg dialog(nullptr, u"Progress"_s, false, &notify);
+    CProgressDlg dialog(nullptr, u"Progress"_s, &notify);
     dialog.show();
     Key(*dialog.CancelButton(), QEvent::KeyPress, Qt::Key_Return);
     QCoreApplication::sendPostedEvents(&dialog);
@@ -174,7 +174,7 @@ TEST(CProgressDlg, EnterCancelsNothing) {
 
 TEST(CProgressDlg, TextsAreCutToTheirRoomAndAnUnchangedTextIsNotSetAgain) {
     CommittedSkin skin;
-    CProgressDlg dialog(nullptr, u"Progress"_s, false, nullptr);
+    CProgressDlg dialog(nullptr, u"Progress"_s, nullptr);
     EXPECT_TRUE(dialog.SetText(u"Opening..."_s));
     EXPECT_FALSE(dialog.SetText(u"Opening..."_s));
     EXPECT_FALSE(dialog.SetTextNoTruncate(u"Opening..."_s));
@@ -201,7 +201,7 @@ TEST(CProgressDlg, TextsAreCutToTheirRoomAndAnUnchangedTextIsNotSetAgain) {
 TEST(CProgressDlg, MissingPicturesLeaveAWorkingWindow) {
     TempInstall install;
     RecordingParent notify;
-    CProgressDlg dialog(nullptr, u"Progress"_s, true, &notify);
+    CProgressDlg dialog(nullptr, u"Progress"_s, &notify);
     dialog.SetTextWithPath(u"Opening"_s, u"/tmp/a.iso"_s);
     dialog.SetPos(50);
     dialog.SetPos(10);

@@ -88,7 +88,7 @@ std::vector<GalleryScene> MessageBoxScenes() {
 }
 
 CProgressDlg* Progress(int nPercent) {
-    auto* pDialog = new CProgressDlg(nullptr, TvnText(kProgressTitleId), false, nullptr);
+    auto* pDialog = new CProgressDlg(nullptr, TvnText(kProgressTitleId), nullptr);
     pDialog->SetRange(0, 100, 1);
     pDialog->SetTextWithPath(TvnFormat(kExtractingTextId, QStringLiteral("IMG_0042.JPG")),
                              kSamplePath);

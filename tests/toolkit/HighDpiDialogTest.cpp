@@ -1,0 +1,118 @@
+// The three skinned dialogs on a 1.5 screen: with EnableDPIAware each is its 1.0 layout made
+// larger as a whole, so that no button falls outside its window; without it nothing moves.
+#include "CDisplayScale.h"
+#include "CProgressDlg.h"
+#include "CTvgBaseDialog.h"
+#include "CTvgMessageBox.h"
+#include "DevicePixels.h"
+#include "RegTypes.h"
+#include "ScalarReg.h"
+#include "ToolkitHooks.h"
+#include "ToolkitTestSupport.h"
+
+#include <QWidget>
+#include <functional>
+#include <gtest/gtest.h>
+#include <memory>
+
+namespace {
+
+using namespace Qt::StringLiterals;
+using namespace toolkittest;
+
+constexpr double kAwareScale = 1.5;
+constexpr uint32_t kEveryControl = 0xFF;
+constexpr int kOk = 8016;
+constexpr int kCancel = 6084;
+
+double BaseDpi() {
+    return CDisplayScale::kBaseDpi;
+}
+
+// The window's size and every child's rectangle, in Qt's logical pixels.
+struct Layout {
+    QSize window;
+    std::vector<QRect> children;
+};
+
+Layout LayoutOf(const std::function<std::unique_ptr<QWidget>()>& make) {
+    const std::unique_ptr<QWidget> pWindow = make();
+    Layout layout{pWindow->size(), {}};
+    for (const QWidget* pChild : pWindow->findChildren<QWidget*>(Qt::FindDirectChildrenOnly)) {
+        layout.children.push_back(pChild->geometry());
+    }
+    return layout;
+}
+
+// Each edge within one pixel of the layout at 1.0, which has grown with it: Qt's logical
+// pixels round the layout at 1.0 before it is scaled.
+bool Near(const QRect& actual, const QRectF& expected, double scale) {
+    const auto near = [scale](qreal a, qreal b) { return qAbs(a - b) <= scale; };
+    return near(actual.left(), expected.left()) && near(actual.top(), expected.top()) &&
+           near(actual.right() + 1, expected.right()) &&
+           near(actual.bottom() + 1, expected.bottom());
+}
+
+// Run by CTest in a process of its own with the setting on and off.
+TEST(HighDpi, EverySkinnedDialogIsItsLayoutAtOneScaledAsAWhole) {
+    const QByteArray aware = qgetenv("OVRIN_TEST_DPI_AWARE");
+    if (aware.isEmpty()) {
+        GTEST_SKIP() << "runs only with a scale factor and a store of its own";
+    }
+    DwordReg(RegRoot::LocalMachine, QString::fromUtf16(kSettingsKey), u"EnableDPIAware"_s, true) =
+        aware == "1" ? 1 : 0;
+    const double scale = aware == "1" ? kAwareScale : 1.0;
+    CommittedSkin skin;
+    const struct {
+        const char* name;
+        QSize deviceSizeAtOne;
+        std::function<std::unique_ptr<QWidget>()> make;
+    } cases[] = {
+        {"message box",
+         {468, 208},
+         [] {
+             return std::make_unique<CTvgMessageBox>(u"Cancel the operation?"_s,
+                                                     mb::kOkCancel | mb::kIconQuestion,
+                                                     tvn::kBoxTitle, nullptr, QString(), false);
+         }},
+        {"progress",
+         {468, 164},
+         [] { return std::make_unique<CProgressDlg>(nullptr, u"Progress"_s, nullptr); }},
+        {"base dialog",
+         {620, 301},
+         [] {
+             auto pDialog = std::make_unique<CTvgBaseDialog>();
+             pDialog->CreateControls(
+                 uint32_t{tvn::kConfirmTitle}, u"Image\\Dialogs\\ConfirmDialog\\bg_confirm.png"_s,
+                 uint32_t{kOk}, kOk, uint32_t{kCancel}, kCancel, 0, 0, kEveryControl);
+             return pDialog;
+         }},
+    };
+    for (const auto& c : cases) {
+        // The same dialog laid out at 1.0 on this screen: the scale follows a 96 DPI screen.
+        CDisplayScale::SetDpiSource(BaseDpi);
+        const Layout atOne = LayoutOf(c.make);
+        CDisplayScale::SetDpiSource(ScreenDeviceDpi);
+        const Layout scaled = LayoutOf(c.make);
+
+        const qreal dpr = DevicePixelRatioOf(nullptr);
+        const QSize device = c.deviceSizeAtOne;
+        EXPECT_EQ(atOne.window, ToLogical(device, dpr)) << c.name;
+        const QSize scaledDevice(static_cast<int>(device.width() * scale),
+                                 static_cast<int>(device.height() * scale));
+        EXPECT_EQ(scaled.window, ToLogical(scaledDevice, dpr)) << c.name;
+        ASSERT_EQ(scaled.children.size(), atOne.children.size()) << c.name;
+        for (size_t i = 0; i < scaled.children.size(); ++i) {
+            const QRect& child = scaled.children[i];
+            const QRectF& one = QRectF(atOne.children[i]);
+            const QRectF expected(one.topLeft() * scale, one.size() * scale);
+            EXPECT_TRUE(QRect(QPoint(0, 0), scaled.window).contains(child)) << c.name << " " << i;
+            EXPECT_TRUE(Near(child, expected, scale))
+                << c.name << " child " << i << ": " << child.x() << "," << child.y() << " "
+                << child.width() << "x" << child.height() << " for " << expected.x() << ","
+                << expected.y() << " " << expected.width() << "x" << expected.height();
+        }
+    }
+}
+
+} // namespace
