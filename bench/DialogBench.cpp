@@ -55,7 +55,7 @@ void ReportShow(const char* name, const std::function<QWidget*()>& make, int nRu
 
 // An extraction reports every chunk; the percentage moves a hundred times in all.
 void ReportPositions() {
-    CProgressDlg dialog(nullptr, TvnText(kProgressTitleId), false, nullptr);
+    CProgressDlg dialog(nullptr, TvnText(kProgressTitleId), nullptr);
     dialog.SetRange(0, kPositionCalls, 1);
     dialog.show();
     QCoreApplication::processEvents();
@@ -91,7 +91,7 @@ int main(int argc, char** argv) {
         nRuns);
     ReportShow(
         "progress dialog",
-        [] { return new CProgressDlg(nullptr, TvnText(kProgressTitleId), false, nullptr); }, nRuns);
+        [] { return new CProgressDlg(nullptr, TvnText(kProgressTitleId), nullptr); }, nRuns);
     ReportPositions();
     return 0;
 }
