@@ -76,6 +76,8 @@ int main(int argc, char** argv) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
     }
     QApplication app(argc, argv);
+    // The offscreen platform warns at every shaped window; the figures are the output here.
+    qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
     InstallToolkitHooks();
     CTvnStringTable texts;
     texts.LoadFile(QDir(CLanguageChain::ExecutableFolder())
