@@ -16,6 +16,7 @@ public:
     // The index of the pair, added at the end on first sight.
     int IndexOf(const QString& name, const QString& genericName);
     const IconName& At(int nIndex) const { return m_vecNames[static_cast<size_t>(nIndex)]; }
+    int Count() const { return static_cast<int>(m_vecNames.size()); }
 
     static CIconTable& Instance();
 

@@ -1,0 +1,279 @@
+// The file list beside its tree: refills on hints, sorting per folder with the header's
+// arrows, opening rows, keys, view modes, tips, and a folder of many files.
+#include "CFileListView.h"
+#include "CFolderTreeView.h"
+#include "CWindowMessage.h"
+#include "ViewsTestSupport.h"
+
+#include <QElapsedTimer>
+#include <QFile>
+#include <QHeaderView>
+#include <QListView>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTreeView>
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace Qt::StringLiterals;
+
+struct Panes {
+    explicit Panes(TestDocument& doc) : tree(&doc), list(&doc) {
+        list.SetTreeView(&tree);
+        list.resize(700, 400);
+        tree.OnInitialUpdate();
+    }
+    CFolderTreeView tree;
+    CFileListView list;
+};
+
+QStringList RowNames(CFileListView& list) {
+    QStringList names;
+    COvListModel& model = list.ListCtrl().Model();
+    for (int i = 0; i < model.rowCount(); ++i) {
+        names << model.NodeAt(i)->m_strName;
+    }
+    return names;
+}
+
+void ClickHeading(CFileListView& list, int nColumn) {
+    QHeaderView* pHeader = list.ListCtrl().ReportView()->header();
+    const QPoint at(pHeader->sectionViewportPosition(nColumn) + 5, pHeader->height() / 2);
+    QTest::mouseClick(pHeader->viewport(), Qt::LeftButton, Qt::NoModifier, at);
+}
+
+// The heading's arrow as a state: 1 up, -1 down, 0 none.
+int Arrow(CFileListView& list, int nColumn) {
+    const QHeaderView* pHeader = list.ListCtrl().ReportView()->header();
+    if (pHeader->sortIndicatorSection() != nColumn) {
+        return 0;
+    }
+    return pHeader->sortIndicatorOrder() == Qt::AscendingOrder ? 1 : -1;
+}
+
+struct ListFixture : ::testing::Test {
+    ListFixture() {
+        COvDataItem* pRoot = doc.ReplaceRoot(u"DISC"_s);
+        pFolder = AddFolder(pRoot, u"Sub"_s);
+        AddFile(pFolder, u"b.txt"_s, 3000);
+        AddFile(pFolder, u"a.txt"_s, 2000);
+        AddFolder(pFolder, u"Inner"_s);
+        AddFile(pRoot, u"z.bin"_s, 10)->m_ftTime = {1, 0};
+        AddFile(pRoot, u"m.bin"_s, 4000)->m_ftTime = {2, 0};
+        pRoot->SortChildrenByName();
+        pFolder->SortChildrenByName();
+        // The walk leaves each folder sorted by name, and says so.
+        pRoot->m_anSortState[0] = 1;
+        pFolder->m_anSortState[0] = 1;
+    }
+    TestDocument doc;
+    COvDataItem* pFolder = nullptr;
+};
+
+TEST_F(ListFixture, HintsRefillTheListFromTheCurrentFolder) {
+    Panes panes(doc);
+    EXPECT_EQ(RowNames(panes.list), (QStringList{u"Sub"_s, u"m.bin"_s, u"z.bin"_s}));
+    panes.tree.TreeCtrl().setCurrentItem(panes.tree.FindItemByNode(pFolder));
+    EXPECT_EQ(RowNames(panes.list), (QStringList{u"Inner"_s, u"a.txt"_s, u"b.txt"_s}));
+    // Without a current folder the rows stay until a hint brings one.
+    doc.SetCurrentFolder(nullptr);
+    doc.UpdateAllViews(nullptr, kHintCurrentFolder);
+    EXPECT_EQ(panes.list.ListCtrl().Model().rowCount(), 3);
+    // A new tree reaches the list through the tree's selection of the new root.
+    COvDataItem* pRoot = doc.ReplaceRoot(u"EMPTY"_s);
+    doc.UpdateAllViews(&panes.list, kHintNewTree);
+    EXPECT_EQ(doc.GetCurrentFolder(), pRoot);
+    EXPECT_EQ(panes.list.ListCtrl().Model().rowCount(), 0);
+}
+
+TEST_F(ListFixture, HeadingClicksCycleOrderAndArrowsPerFolder) {
+    const struct {
+        int nColumn;
+        int nState;
+        QStringList names;
+    } steps[] = {
+        // Already ascending by name, so the first click turns it round: files before folders.
+        {0, -1, {u"z.bin"_s, u"m.bin"_s, u"Sub"_s}}, {0, 1, {u"Sub"_s, u"m.bin"_s, u"z.bin"_s}},
+        {1, 1, {u"Sub"_s, u"z.bin"_s, u"m.bin"_s}},  {1, -1, {u"m.bin"_s, u"z.bin"_s, u"Sub"_s}},
+        {3, 1, {u"Sub"_s, u"z.bin"_s, u"m.bin"_s}},
+    };
+    Panes panes(doc);
+    panes.list.show();
+    for (const auto& step : steps) {
+        ClickHeading(panes.list, step.nColumn);
+        EXPECT_EQ(RowNames(panes.list), step.names) << step.nColumn;
+        for (int i = 0; i < 4; ++i) {
+            const int nExpected = i == step.nColumn ? step.nState : 0;
+            EXPECT_EQ(doc.GetRootItem()->m_anSortState[i], nExpected);
+            EXPECT_EQ(Arrow(panes.list, i), nExpected);
+        }
+    }
+    // Another folder shows its own order and arrow; back in the first, both are as they were.
+    panes.tree.TreeCtrl().setCurrentItem(panes.tree.FindItemByNode(pFolder));
+    EXPECT_EQ(Arrow(panes.list, 0), 1);
+    EXPECT_EQ(Arrow(panes.list, 3), 0);
+    panes.tree.TreeCtrl().setCurrentItem(panes.tree.TreeCtrl().topLevelItem(0));
+    EXPECT_EQ(Arrow(panes.list, 3), 1);
+}
+
+TEST(FileList, FirstClickOnAnUnsortedFolderAscends) {
+    TestDocument doc;
+    AddFile(doc.GetRootItem(), u"b"_s);
+    AddFile(doc.GetRootItem(), u"a"_s);
+    Panes panes(doc);
+    EXPECT_EQ(Arrow(panes.list, 0), 0);
+    panes.list.SortByColumn(0);
+    EXPECT_EQ(RowNames(panes.list), (QStringList{u"a"_s, u"b"_s}));
+    EXPECT_EQ(Arrow(panes.list, 0), 1);
+}
+
+// Records the commands that reach the list.
+class CommandSpy : public QObject {
+public:
+    bool eventFilter(QObject*, QEvent* pEvent) override {
+        if (pEvent->type() == CWindowMessage::TypeOf(kWmCommand)) {
+            m_vecCommands.push_back(
+                static_cast<int>(static_cast<CWindowMessage*>(pEvent)->WParam() & 0xFFFF));
+        }
+        return false;
+    }
+    std::vector<int> m_vecCommands;
+};
+
+TEST_F(ListFixture, DoubleClickOpensFoldersThroughTheTreeAndFilesByCommand) {
+    Panes panes(doc);
+    panes.list.show();
+    CommandSpy spy;
+    panes.list.installEventFilter(&spy);
+    QTreeView* pReport = panes.list.ListCtrl().ReportView();
+    const auto doubleClick = [&](QPoint at) {
+        // A double click starts with a click: the view opens only the row it was pressed on.
+        QTest::mouseClick(pReport->viewport(), Qt::LeftButton, Qt::NoModifier, at);
+        QTest::mouseDClick(pReport->viewport(), Qt::LeftButton, Qt::NoModifier, at);
+    };
+    // Empty space below the rows does nothing.
+    doubleClick(QPoint(50, pReport->viewport()->height() - 5));
+    EXPECT_EQ(doc.GetCurrentFolder(), doc.GetRootItem());
+    doubleClick(pReport->visualRect(pReport->model()->index(1, 0)).center());
+    EXPECT_EQ(spy.m_vecCommands, std::vector<int>{kCmdViewFile});
+    doubleClick(pReport->visualRect(pReport->model()->index(0, 0)).center());
+    EXPECT_EQ(doc.GetCurrentFolder(), pFolder);
+    EXPECT_TRUE(panes.tree.FindItemByNode(pFolder)->isSelected());
+    EXPECT_EQ(RowNames(panes.list).first(), u"Inner"_s);
+}
+
+TEST_F(ListFixture, CtrlASelectsEveryRowAndViewFileNeedsExactlyOne) {
+    Panes panes(doc);
+    panes.list.show();
+    CommandState state;
+    ASSERT_TRUE(panes.list.OnUpdateCommand(kCmdViewFile, state));
+    EXPECT_FALSE(state.bEnabled);
+    QTreeView* pReport = panes.list.ListCtrl().ReportView();
+    QTest::mouseClick(pReport->viewport(), Qt::LeftButton, Qt::NoModifier,
+                      pReport->visualRect(pReport->model()->index(2, 0)).center());
+    panes.list.OnUpdateCommand(kCmdViewFile, state);
+    EXPECT_TRUE(state.bEnabled);
+    QTest::keyClick(pReport, Qt::Key_A, Qt::ControlModifier);
+    EXPECT_EQ(panes.list.ListCtrl().SelectedRowCount(), 3);
+    panes.list.OnUpdateCommand(kCmdViewFile, state);
+    EXPECT_FALSE(state.bEnabled);
+}
+
+TEST_F(ListFixture, ViewCommandsSwitchModes) {
+    const struct {
+        int nCommand;
+        int nMode;
+        bool bReport;
+        QListView::ViewMode listMode;
+    } cases[] = {
+        {kCmdLargeIcons, COvListCtrl::ModeLargeIcons, false, QListView::IconMode},
+        {kCmdSmallIcons, COvListCtrl::ModeSmallIcons, false, QListView::ListMode},
+        {kCmdList, COvListCtrl::ModeList, false, QListView::ListMode},
+        {kCmdReport, COvListCtrl::ModeReport, true, QListView::ListMode},
+    };
+    Panes panes(doc);
+    panes.list.show();
+    EXPECT_EQ(panes.list.ViewMode(), COvListCtrl::ModeReport);
+    for (const auto& c : cases) {
+        EXPECT_TRUE(panes.list.OnCommand(c.nCommand));
+        EXPECT_EQ(panes.list.ViewMode(), c.nMode);
+        COvListCtrl& ctrl = panes.list.ListCtrl();
+        EXPECT_EQ(ctrl.ReportView()->isVisible(), c.bReport);
+        EXPECT_EQ(ctrl.IconView()->isVisible(), !c.bReport);
+        if (!c.bReport) {
+            EXPECT_EQ(ctrl.IconView()->viewMode(), c.listMode);
+        }
+        CommandState state;
+        EXPECT_TRUE(panes.list.OnUpdateCommand(c.nCommand, state));
+        EXPECT_TRUE(state.bChecked);
+    }
+    EXPECT_FALSE(panes.list.OnCommand(9999));
+}
+
+TEST_F(ListFixture, TipShowsTheWholeTextOfACutCellOnly) {
+    AddFile(doc.GetRootItem(), u"a rather long file name that no narrow column can hold.txt"_s);
+    Panes panes(doc);
+    panes.list.show();
+    QTreeView* pReport = panes.list.ListCtrl().ReportView();
+    const QPoint longCell = pReport->visualRect(pReport->model()->index(3, 0)).center();
+    const QPoint shortCell = pReport->visualRect(pReport->model()->index(1, 0)).center();
+    EXPECT_EQ(panes.list.ListCtrl().CutCellTextAt(longCell),
+              u"a rather long file name that no narrow column can hold.txt"_s);
+    EXPECT_EQ(panes.list.ListCtrl().CutCellTextAt(shortCell), QString());
+    EXPECT_EQ(panes.list.ListCtrl().CutCellTextAt(QPoint(5, 390)), QString());
+}
+
+TEST(FileList, TemporaryFilesGoWithTheList) {
+    QTemporaryDir dir;
+    const QString path = dir.filePath(u"viewed.txt"_s);
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.close();
+    TestDocument doc;
+    {
+        CFileListView list(&doc);
+        list.AddTempFile(path);
+    }
+    EXPECT_FALSE(QFile::exists(path));
+}
+
+TEST(FileList, AHundredThousandFilesFormatOnlyTheDrawnRows) {
+    constexpr int kFiles = 100'000;
+    TestDocument doc;
+    COvDataItem* pRoot = doc.GetRootItem();
+    for (int i = 0; i < kFiles; ++i) {
+        AddFile(pRoot, u"file%1.dat"_s.arg(kFiles - i, 6, 10, QChar(u'0')),
+                static_cast<uint64_t>(i));
+    }
+    CFolderTreeView tree(&doc);
+    CFileListView list(&doc);
+    list.resize(700, 400);
+    list.show();
+
+    QElapsedTimer timer;
+    timer.start();
+    tree.OnInitialUpdate();
+    list.grab();
+    const qint64 nFirstRowsMs = timer.elapsed();
+    const int nCells = list.ListCtrl().Model().FormattedCellCount();
+    // A few dozen rows of four cells fit into 400 pixels.
+    EXPECT_LT(nCells, 4 * 100);
+    EXPECT_GT(nCells, 0);
+
+    timer.restart();
+    ClickHeading(list, 0);
+    list.grab();
+    const qint64 nSortMs = timer.elapsed();
+    EXPECT_EQ(list.ListCtrl().Model().NodeAt(0)->m_strName, u"file000001.dat"_s);
+    EXPECT_LT(list.ListCtrl().Model().FormattedCellCount() - nCells, 4 * 100);
+    RecordProperty("FirstRowsMs", static_cast<int>(nFirstRowsMs));
+    RecordProperty("SortMs", static_cast<int>(nSortMs));
+    std::printf("first rows %lld ms, sort %lld ms\n", static_cast<long long>(nFirstRowsMs),
+                static_cast<long long>(nSortMs));
+    // Generous limits that still catch work per row done ahead of painting.
+    EXPECT_LT(nFirstRowsMs, 1000);
+    EXPECT_LT(nSortMs, 1000);
+}
+
+} // namespace

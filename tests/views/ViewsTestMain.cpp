@@ -1,0 +1,23 @@
+// The views' tests run inside one QApplication, with the program's English texts.
+#include "CTvnStringTable.h"
+#include "TvnText.h"
+
+#include <QApplication>
+#include <gtest/gtest.h>
+
+int main(int argc, char** argv) {
+    // The build lists the tests by running this program without the tests' environment.
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    }
+    QApplication app(argc, argv);
+    CTvnStringTable table;
+    if (!table.LoadFile(QStringLiteral(OVRIN_LANGUAGE_DIR "/Enu/Tvnrc.txt"))) {
+        return 1;
+    }
+    SetCurrentStringTable(&table);
+    ::testing::InitGoogleTest(&argc, argv);
+    const int nResult = RUN_ALL_TESTS();
+    SetCurrentStringTable(nullptr);
+    return nResult;
+}

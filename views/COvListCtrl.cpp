@@ -1,0 +1,168 @@
+#include "COvListCtrl.h"
+
+#include "COvDataItem.h"
+#include "ViewPalette.h"
+
+#include <QHeaderView>
+#include <QHelpEvent>
+#include <QListView>
+#include <QStackedLayout>
+#include <QToolTip>
+#include <QTreeView>
+
+namespace {
+
+constexpr int kColumnWidths[COvListModel::ColumnCount] = {200, 100, 120, 120};
+constexpr int kSmallIcon = 16;
+constexpr int kLargeIcon = 32;
+// Room around a large icon's label, so that neighbouring names do not touch.
+constexpr int kLargeIconCellWidth = 96;
+constexpr int kLargeIconCellHeight = 64;
+
+} // namespace
+
+COvListCtrl::COvListCtrl(QWidget* pParent) : QWidget(pParent) {
+    m_pStack = new QStackedLayout(this);
+    m_pStack->setContentsMargins(0, 0, 0, 0);
+    MakeReport();
+    MakeIcons();
+    SetViewMode(ModeReport);
+}
+
+void COvListCtrl::MakeReport() {
+    m_pReport = new QTreeView(this);
+    m_pReport->setModel(&m_model);
+    // One height for all rows: the view never measures rows it does not draw.
+    m_pReport->setUniformRowHeights(true);
+    m_pReport->setRootIsDecorated(false);
+    m_pReport->setItemsExpandable(false);
+    m_pReport->setAllColumnsShowFocus(true);
+    m_pReport->setSelectionBehavior(QAbstractItemView::SelectRows);
+    m_pReport->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    m_pReport->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    m_pReport->setIconSize(QSize(kSmallIcon, kSmallIcon));
+    m_pReport->setTextElideMode(Qt::ElideRight);
+    QHeaderView* pHeader = m_pReport->header();
+    pHeader->setStretchLastSection(false);
+    pHeader->setSectionsClickable(true);
+    pHeader->setSectionsMovable(false);
+    pHeader->setSortIndicatorShown(true);
+    pHeader->setSortIndicator(-1, Qt::AscendingOrder);
+    for (int i = 0; i < COvListModel::ColumnCount; ++i) {
+        pHeader->resizeSection(i, kColumnWidths[i]);
+    }
+    connect(pHeader, &QHeaderView::sectionClicked, this, &COvListCtrl::columnClicked);
+    connect(m_pReport, &QAbstractItemView::doubleClicked, this,
+            [this](const QModelIndex& index) { emit rowDoubleClicked(index.row()); });
+    ApplyViewPalette(m_pReport);
+    m_pReport->viewport()->installEventFilter(this);
+    m_pStack->addWidget(m_pReport);
+}
+
+void COvListCtrl::MakeIcons() {
+    m_pIcons = new QListView(this);
+    m_pIcons->setModel(&m_model);
+    m_pIcons->setSelectionModel(m_pReport->selectionModel());
+    m_pIcons->setUniformItemSizes(true);
+    m_pIcons->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    m_pIcons->setSelectionBehavior(QAbstractItemView::SelectRows);
+    m_pIcons->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    m_pIcons->setResizeMode(QListView::Adjust);
+    m_pIcons->setMovement(QListView::Static);
+    // Large rows of icons are laid out in batches, so a big folder shows before it is placed.
+    m_pIcons->setLayoutMode(QListView::Batched);
+    connect(m_pIcons, &QAbstractItemView::doubleClicked, this,
+            [this](const QModelIndex& index) { emit rowDoubleClicked(index.row()); });
+    ApplyViewPalette(m_pIcons);
+    m_pStack->addWidget(m_pIcons);
+}
+
+QAbstractItemView* COvListCtrl::ActiveView() const {
+    if (m_nMode == ModeReport) {
+        return m_pReport;
+    }
+    return m_pIcons;
+}
+
+void COvListCtrl::SetViewMode(int nMode) {
+    switch (nMode) {
+    case ModeLargeIcons:
+        m_pIcons->setViewMode(QListView::IconMode);
+        m_pIcons->setIconSize(QSize(kLargeIcon, kLargeIcon));
+        m_pIcons->setGridSize(QSize(kLargeIconCellWidth, kLargeIconCellHeight));
+        m_pIcons->setWordWrap(true);
+        break;
+    case ModeSmallIcons:
+    case ModeList:
+        m_pIcons->setViewMode(QListView::ListMode);
+        m_pIcons->setIconSize(QSize(kSmallIcon, kSmallIcon));
+        m_pIcons->setGridSize(QSize());
+        m_pIcons->setWordWrap(false);
+        m_pIcons->setFlow(nMode == ModeList ? QListView::TopToBottom : QListView::LeftToRight);
+        m_pIcons->setWrapping(true);
+        break;
+    case ModeReport:
+        break;
+    default:
+        return;
+    }
+    m_nMode = nMode;
+    m_pStack->setCurrentWidget(ActiveView());
+}
+
+void COvListCtrl::SetSortArrow(int nColumn, int nState) {
+    QHeaderView* pHeader = m_pReport->header();
+    if (nState == 0) {
+        pHeader->setSortIndicator(-1, Qt::AscendingOrder);
+        return;
+    }
+    pHeader->setSortIndicator(nColumn, nState > 0 ? Qt::AscendingOrder : Qt::DescendingOrder);
+}
+
+QString COvListCtrl::CutCellTextAt(QPoint pt) const {
+    const QModelIndex index = m_pReport->indexAt(pt);
+    const COvDataItem* pNode = m_model.NodeAt(index.row());
+    if (pNode == nullptr) {
+        return QString();
+    }
+    const QString text = COvListModel::CellText(*pNode, index.column());
+    int nRoom = m_pReport->visualRect(index).width();
+    if (index.column() == COvListModel::ColumnName) {
+        nRoom -= m_pReport->iconSize().width();
+    }
+    // The delegate keeps a margin on each side of the text, one more pixel than the focus frame.
+    nRoom -=
+        2 * (m_pReport->style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, m_pReport) + 1);
+    return m_pReport->fontMetrics().horizontalAdvance(text) > nRoom ? text : QString();
+}
+
+bool COvListCtrl::eventFilter(QObject* pWatched, QEvent* pEvent) {
+    if (pWatched == m_pReport->viewport() && pEvent->type() == QEvent::ToolTip) {
+        const auto* pHelp = static_cast<QHelpEvent*>(pEvent);
+        const QString text = CutCellTextAt(pHelp->pos());
+        if (text.isEmpty()) {
+            QToolTip::hideText();
+        } else {
+            QToolTip::showText(pHelp->globalPos(), text, m_pReport->viewport(),
+                               m_pReport->visualRect(m_pReport->indexAt(pHelp->pos())));
+        }
+        return true;
+    }
+    return QWidget::eventFilter(pWatched, pEvent);
+}
+
+int COvListCtrl::SelectedRowCount() const {
+    // Counted by ranges: after a select-all of a big folder there is one range, not a row list.
+    int nRows = 0;
+    for (const QItemSelectionRange& range : m_pReport->selectionModel()->selection()) {
+        if (range.left() == 0) {
+            nRows += range.height();
+        }
+    }
+    return nRows;
+}
+
+void COvListCtrl::SelectAll() {
+    ActiveView()->selectAll();
+    ActiveView()->setFocus(Qt::ShortcutFocusReason);
+}
