@@ -116,7 +116,9 @@ void COvListCtrl::SetSortArrow(int nColumn, int nState) {
         pHeader->setSortIndicator(-1, Qt::AscendingOrder);
         return;
     }
-    pHeader->setSortIndicator(nColumn, nState > 0 ? Qt::AscendingOrder : Qt::DescendingOrder);
+    // Qt draws its ascending mark pointing down; the list's ascending arrow points up, as the
+    // smallest entry stands on top.
+    pHeader->setSortIndicator(nColumn, nState > 0 ? Qt::DescendingOrder : Qt::AscendingOrder);
 }
 
 QString COvListCtrl::CutCellTextAt(QPoint pt) const {

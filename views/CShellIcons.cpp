@@ -3,6 +3,7 @@
 #include "CIconTable.h"
 
 #include <QApplication>
+#include <QStandardPaths>
 #include <QStyle>
 
 namespace {
@@ -11,6 +12,9 @@ using namespace Qt::StringLiterals;
 
 // A theme of full-colour icons that Debian ships; the install step installs it.
 const QString kFallbackTheme = u"Adwaita"_s;
+// The base theme of the freedesktop icon theme specification, which every theme inherits; it
+// holds programs' own icons, hardly any of types and folders.
+const QString kBaseTheme = u"hicolor"_s;
 
 QIcon StyleIcon(QStyle::StandardPixmap pixmap) {
     return QApplication::style()->standardIcon(pixmap);
@@ -19,8 +23,31 @@ QIcon StyleIcon(QStyle::StandardPixmap pixmap) {
 } // namespace
 
 void CShellIcons::EnsureFallbackTheme() {
-    if (QIcon::fallbackThemeName().isEmpty()) {
+    static bool s_bDone = false;
+    if (s_bDone) {
+        return;
+    }
+    s_bDone = true;
+    // Without a desktop session Qt names the base theme as the fallback, or no theme at all
+    // and no system folder to look in; either way no folder icon would be found.
+    if (QIcon::fallbackThemeName().isEmpty() || QIcon::fallbackThemeName() == kBaseTheme) {
         QIcon::setFallbackThemeName(kFallbackTheme);
+    }
+    if (QIcon::themeName().isEmpty()) {
+        QIcon::setThemeName(kBaseTheme);
+    }
+    QStringList paths = QIcon::themeSearchPaths();
+    const QStringList dataFolders = QStandardPaths::locateAll(
+        QStandardPaths::GenericDataLocation, u"icons"_s, QStandardPaths::LocateDirectory);
+    bool bAdded = false;
+    for (const QString& folder : dataFolders) {
+        if (!paths.contains(folder)) {
+            paths.append(folder);
+            bAdded = true;
+        }
+    }
+    if (bAdded) {
+        QIcon::setThemeSearchPaths(paths);
     }
 }
 

@@ -43,13 +43,13 @@ void ClickHeading(CFileListView& list, int nColumn) {
     QTest::mouseClick(pHeader->viewport(), Qt::LeftButton, Qt::NoModifier, at);
 }
 
-// The heading's arrow as a state: 1 up, -1 down, 0 none.
+// The heading's arrow as a state: 1 up, -1 down, 0 none. Qt's descending mark points up.
 int Arrow(CFileListView& list, int nColumn) {
     const QHeaderView* pHeader = list.ListCtrl().ReportView()->header();
     if (pHeader->sortIndicatorSection() != nColumn) {
         return 0;
     }
-    return pHeader->sortIndicatorOrder() == Qt::AscendingOrder ? 1 : -1;
+    return pHeader->sortIndicatorOrder() == Qt::DescendingOrder ? 1 : -1;
 }
 
 struct ListFixture : ::testing::Test {

@@ -1,10 +1,14 @@
 // The list's model: the protocol checks of Qt's model tester, and the text of each cell.
+#include "CIconTable.h"
 #include "COvListModel.h"
+#include "CShellIcons.h"
 #include "Formatting.h"
 #include "ViewsTestSupport.h"
 
 #include <QAbstractItemModelTester>
+#include <QApplication>
 #include <QDateTime>
+#include <QStyle>
 #include <gtest/gtest.h>
 
 namespace {
@@ -83,6 +87,37 @@ TEST(ListModel, NameTypeAndLocalDateCells) {
                   Qt::AlignRight,
               Qt::AlignRight);
     EXPECT_FALSE(model.data(model.index(0, 0), Qt::DecorationRole).value<QIcon>().isNull());
+}
+
+} // namespace
+
+namespace {
+
+using namespace Qt::StringLiterals;
+
+TEST(ShellIcons, ThemeNameThenGenericNameThenTheStyleFileIcon) {
+    const struct {
+        const char16_t* name;
+        const char16_t* generic;
+        const char16_t* shown; // the theme icon's name; null for the style's file icon
+    } cases[] = {
+        {u"folder", u"", u"folder"},
+        {u"application-x-no-such-type", u"text-x-generic", u"text-x-generic"},
+        {u"application-x-no-such-type", u"", nullptr},
+        {u"", u"", nullptr},
+    };
+    CIconTable table;
+    CShellIcons icons(table);
+    const QString fileIcon = QApplication::style()->standardIcon(QStyle::SP_FileIcon).name();
+    for (const auto& c : cases) {
+        const int nIndex = table.IndexOf(QString::fromUtf16(c.name), QString::fromUtf16(c.generic));
+        const QIcon icon = icons.Icon(nIndex);
+        EXPECT_FALSE(icon.isNull());
+        EXPECT_EQ(icon.name(), c.shown != nullptr ? QString::fromUtf16(c.shown) : fileIcon)
+            << QString::fromUtf16(c.name).toStdString();
+    }
+    EXPECT_EQ(icons.Icon(-1).name(), fileIcon);
+    EXPECT_EQ(icons.Icon(1000).name(), fileIcon);
 }
 
 } // namespace
