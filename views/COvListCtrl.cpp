@@ -9,6 +9,7 @@
 #include <QStackedLayout>
 #include <QToolTip>
 #include <QTreeView>
+#include <algorithm>
 
 namespace {
 
@@ -18,6 +19,7 @@ constexpr int kLargeIcon = 32;
 // Room around a large icon's label, so that neighbouring names do not touch.
 constexpr int kLargeIconCellWidth = 96;
 constexpr int kLargeIconCellHeight = 64;
+constexpr int kListCellPadding = 4;
 
 } // namespace
 
@@ -89,19 +91,28 @@ void COvListCtrl::SetViewMode(int nMode) {
     case ModeLargeIcons:
         m_pIcons->setViewMode(QListView::IconMode);
         m_pIcons->setIconSize(QSize(kLargeIcon, kLargeIcon));
+        m_model.SetCellSize(QSize());
         m_pIcons->setGridSize(QSize(kLargeIconCellWidth, kLargeIconCellHeight));
-        m_pIcons->setWordWrap(true);
+        // Every cell is as big as the first, so that a big folder is laid out without
+        // measuring each name; a long name keeps its start and its extension.
+        m_pIcons->setTextElideMode(Qt::ElideMiddle);
         break;
     case ModeSmallIcons:
     case ModeList:
         m_pIcons->setViewMode(QListView::ListMode);
         m_pIcons->setIconSize(QSize(kSmallIcon, kSmallIcon));
+        // Cells as wide as the report's name column: measuring every name of a big folder
+        // for the widest would cost what the virtual list saves.
+        m_model.SetCellSize(
+            QSize(kColumnWidths[COvListModel::ColumnName],
+                  std::max(kSmallIcon, m_pIcons->fontMetrics().height()) + kListCellPadding));
         m_pIcons->setGridSize(QSize());
-        m_pIcons->setWordWrap(false);
+        m_pIcons->setTextElideMode(Qt::ElideMiddle);
         m_pIcons->setFlow(nMode == ModeList ? QListView::TopToBottom : QListView::LeftToRight);
         m_pIcons->setWrapping(true);
         break;
     case ModeReport:
+        m_model.SetCellSize(QSize());
         break;
     default:
         return;

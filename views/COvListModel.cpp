@@ -84,10 +84,15 @@ QVariant COvListModel::data(const QModelIndex& index, int nRole) const {
     case Qt::DecorationRole:
         return index.column() == ColumnName ? QVariant(CShellIcons::Instance().Icon(pNode->m_nIcon))
                                             : QVariant();
+    case Qt::SizeHintRole:
+        return index.column() == ColumnName && m_cellSize.isValid() ? QVariant(m_cellSize)
+                                                                    : QVariant();
     case Qt::TextAlignmentRole:
+        // Other cells take the view's own alignment: left in the report, centred under a
+        // large icon.
         return index.column() == ColumnSize
                    ? QVariant(Qt::Alignment(Qt::AlignRight | Qt::AlignVCenter))
-                   : QVariant(Qt::Alignment(Qt::AlignLeft | Qt::AlignVCenter));
+                   : QVariant();
     default:
         return QVariant();
     }

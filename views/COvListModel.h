@@ -4,6 +4,7 @@
 #pragma once
 
 #include <QAbstractTableModel>
+#include <QSize>
 
 class COvDataItem;
 
@@ -19,6 +20,8 @@ public:
     COvDataItem* Folder() const { return m_pFolder; }
     // The node of a row, or null outside the folder.
     COvDataItem* NodeAt(int nRow) const;
+    // One size for every name cell, or none to let the view measure the first.
+    void SetCellSize(QSize size) { m_cellSize = size; }
     // Every cell is drawn again from the nodes, after the folder's children were reordered.
     void RowsReordered();
 
@@ -35,5 +38,6 @@ public:
 private:
     COvDataItem* m_pFolder = nullptr;
     int m_nRows = 0;
+    QSize m_cellSize;
     mutable int m_nFormattedCells = 0;
 };
