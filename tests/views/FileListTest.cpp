@@ -5,7 +5,6 @@
 #include "CWindowMessage.h"
 #include "ViewsTestSupport.h"
 
-#include <QElapsedTimer>
 #include <QFile>
 #include <QHeaderView>
 #include <QListView>
@@ -251,20 +250,15 @@ TEST(FileList, AHundredThousandFilesFormatOnlyTheDrawnRows) {
     list.resize(700, 400);
     list.show();
 
-    QElapsedTimer timer;
-    timer.start();
     tree.OnInitialUpdate();
     list.grab();
-    const qint64 nFirstRowsMs = timer.elapsed();
     const int nCells = list.ListCtrl().Model().FormattedCellCount();
     // A few dozen rows of four cells fit into 400 pixels.
     EXPECT_LT(nCells, 4 * 100);
     EXPECT_GT(nCells, 0);
 
-    timer.restart();
     ClickHeading(list, 0);
     list.grab();
-    const qint64 nSortMs = timer.elapsed();
     EXPECT_EQ(list.ListCtrl().Model().NodeAt(0)->m_strName, u"file000001.dat"_s);
     EXPECT_LT(list.ListCtrl().Model().FormattedCellCount() - nCells, 4 * 100);
     // The icon modes place every row but measure only the first.
@@ -274,13 +268,6 @@ TEST(FileList, AHundredThousandFilesFormatOnlyTheDrawnRows) {
         list.grab();
         EXPECT_LT(list.ListCtrl().Model().FormattedCellCount() - nBefore, 400) << nCommand;
     }
-    RecordProperty("FirstRowsMs", static_cast<int>(nFirstRowsMs));
-    RecordProperty("SortMs", static_cast<int>(nSortMs));
-    std::printf("first rows %lld ms, sort %lld ms\n", static_cast<long long>(nFirstRowsMs),
-                static_cast<long long>(nSortMs));
-    // Generous limits that still catch work per row done ahead of painting.
-    EXPECT_LT(nFirstRowsMs, 1000);
-    EXPECT_LT(nSortMs, 1000);
 }
 
 } // namespace
