@@ -65,6 +65,26 @@ constexpr int kStripMin = 3;
 // Where the window menu opens after a right click, from the pointer.
 constexpr QPoint kMenuOffset(5, 5);
 
+// Where a screen's scale is not a whole number, the window's shape is rounded to whole logical
+// pixels, and a pixel of the key colour may stay inside it; it shows in the outer edge's dark
+// instead of the key's blue.
+constexpr QRgb kOutsideColour = qRgb(0, 0, 0);
+
+void ClearKeyColour(QImage& piece) {
+    if (piece.isNull()) {
+        return;
+    }
+    piece = piece.convertToFormat(QImage::Format_ARGB32);
+    for (int y = 0; y < piece.height(); ++y) {
+        auto* pRow = reinterpret_cast<QRgb*>(piece.scanLine(y));
+        for (int x = 0; x < piece.width(); ++x) {
+            if (RefFromRgb(pRow[x]) == kKeyBlue) {
+                pRow[x] = kOutsideColour;
+            }
+        }
+    }
+}
+
 QString PiecePath(int nCell) {
     return QStringLiteral("Image/MainFrame/bg_fireBro_0%1.png").arg(nCell);
 }
@@ -141,6 +161,10 @@ void CGXTFrameWnd::LoadPictures() {
     for (int nCell : kPieceCells) {
         m_pieces[nCell - 1] = LoadInstallImage(PiecePath(nCell), false);
     }
+    for (int nCell : kCornerCells) {
+        m_outlines[nCell - 1] = CreateRegionFromImage(m_pieces[nCell - 1], kKeyBlue);
+        ClearKeyColour(m_pieces[nCell - 1]);
+    }
     m_icon = LoadInstallImage(QStringLiteral("Image/MainFrame/icon_tvn_non_alpha.png"), false);
     m_logo = LoadInstallImage(QStringLiteral("Image/MainFrame/filebro_Tvn.png"), false);
     const char* names[] = {"close", "max", "restore", "min"};
@@ -187,7 +211,7 @@ void CGXTFrameWnd::UpdateMask() {
     QRegion shape(QRect(QPoint(0, 0), size));
     for (int nCell : kCornerCells) {
         const QImage& piece = m_pieces[nCell - 1];
-        const QRegion outline = CreateRegionFromImage(piece, kKeyBlue);
+        const QRegion& outline = m_outlines[nCell - 1];
         if (outline.isEmpty()) {
             continue;
         }
@@ -300,10 +324,19 @@ void CGXTFrameWnd::PaintBorders(QPainter& painter, QSize size) const {
     }
     for (int x = bottom.width(); x < size.width() - bottom.width() && !bottom.isNull();
          x += bottom.width()) {
-        painter.drawImage(x, nBottom, bottom);
+        PaintBottomPiece(painter, bottom, x, nBottom);
     }
-    painter.drawImage(0, nBottom, m_pieces[kBottomLeft - 1]);
-    painter.drawImage(size.width() - bottomRight.width(), nBottom, bottomRight);
+    PaintBottomPiece(painter, m_pieces[kBottomLeft - 1], 0, nBottom);
+    PaintBottomPiece(painter, bottomRight, size.width() - bottomRight.width(), nBottom);
+}
+
+// The bottom band is a pixel higher than its pieces. Their inner edge line goes one row up, to
+// meet the client area as the side pieces' does, and their first inner row fills the gap.
+void CGXTFrameWnd::PaintBottomPiece(QPainter& painter, const QImage& piece, int x, int y) {
+    constexpr int kGapRows = kBandBottom - kBottomPieceHeight;
+    constexpr int kInnerRows = 2;
+    painter.drawImage(x, y, piece);
+    painter.drawImage(QPoint(x, y - kGapRows), piece, QRect(0, 0, piece.width(), kInnerRows));
 }
 
 void CGXTFrameWnd::PaintCaption(QPainter& painter, QSize size) const {

@@ -7,6 +7,7 @@
 #include <QFont>
 #include <QImage>
 #include <QPoint>
+#include <QRegion>
 #include <QWidget>
 
 class QMenu;
@@ -87,6 +88,7 @@ private:
     void PlaceClient();
     void UpdateMask();
     void PaintBorders(QPainter& painter, QSize size) const;
+    static void PaintBottomPiece(QPainter& painter, const QImage& piece, int x, int y);
     void PaintCaption(QPainter& painter, QSize size) const;
     void PaintButtons(QPainter& painter) const;
     const QImage& ButtonPicture(int nOrder) const;
@@ -102,6 +104,8 @@ private:
     QWidget* m_pClient = nullptr;
     QMenu* m_pSystemMenu = nullptr;
     QImage m_pieces[9];
+    // The outline of each corner piece, without its key colour.
+    QRegion m_outlines[9];
     QImage m_icon;
     QImage m_logo;
     // Normal, hover and pressed of close, maximise, restore and minimise.

@@ -24,6 +24,14 @@ constexpr int kViewMenuIds[] = {CMainFrame::kCommandLargeIcons, CMainFrame::kCom
                                 CMainFrame::kCommandList, CMainFrame::kCommandDetails};
 constexpr int kProgressRange = 100;
 
+// Stands for a pane until the real one is given: an empty white area, as an empty view is.
+QWidget* MakePlaceholder() {
+    auto* pPane = new QWidget;
+    pPane->setBackgroundRole(QPalette::Base);
+    pPane->setAutoFillBackground(true);
+    return pPane;
+}
+
 int Scaled(int nValue) {
     return static_cast<int>(nValue * GetUiScale());
 }
@@ -52,6 +60,8 @@ CMainFrame::~CMainFrame() = default;
 QWidget* CMainFrame::MakeClient() {
     const qreal dpr = DevicePixelRatioOf(this);
     auto* pClient = new QWidget;
+    // The splitter's handle shows the client's own background.
+    pClient->setAutoFillBackground(true);
     auto* pLayout = new QVBoxLayout(pClient);
     pLayout->setContentsMargins(0, 0, 0, 0);
     pLayout->setSpacing(0);
@@ -63,7 +73,7 @@ QWidget* CMainFrame::MakeClient() {
     m_pSplitter->setChildrenCollapsible(false);
     pLayout->addWidget(m_pCommandView);
     pLayout->addWidget(m_pSplitter, 1);
-    SetPanes(new QWidget, new QWidget);
+    SetPanes(MakePlaceholder(), MakePlaceholder());
     return pClient;
 }
 

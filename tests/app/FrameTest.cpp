@@ -193,6 +193,29 @@ TEST_F(FrameTest, WindowMenuFollowsTheWindowState) {
     EXPECT_EQ(enabled(), (std::vector<bool>{true, false, false, true, false, true}));
 }
 
+// Every pixel of the band inside the window's shape is painted, and none in the key colour.
+TEST_F(FrameTest, BandIsPaintedWhole) {
+    constexpr QRgb kUnpainted = qRgb(255, 0, 255);
+    for (const QSize size : {kSize, QSize(451, 97)}) {
+        m_frame.resize(size);
+        QImage image(size, QImage::Format_ARGB32);
+        image.fill(kUnpainted);
+        m_frame.render(&image, QPoint(), QRegion(), QWidget::DrawWindowBackground);
+        const QRegion band =
+            m_frame.mask().subtracted(QRect(6, 44, size.width() - 12, size.height() - 51));
+        int nBad = 0;
+        for (const QRect& rect : band) {
+            for (int y = rect.top(); y <= rect.bottom(); ++y) {
+                for (int x = rect.left(); x <= rect.right(); ++x) {
+                    const QRgb pixel = image.pixel(x, y) | 0xFF000000;
+                    nBad += pixel == kUnpainted || pixel == qRgb(0, 0, 255) ? 1 : 0;
+                }
+            }
+        }
+        EXPECT_EQ(nBad, 0) << size.width() << "x" << size.height();
+    }
+}
+
 TEST_F(FrameTest, ClientFillsTheInsideOfTheBand) {
     Show();
     EXPECT_EQ(m_frame.Client()->geometry(), QRect(6, 44, 788, 349));
