@@ -185,6 +185,8 @@ void CGXTFrameWnd::SetClient(QWidget* pClient) {
     m_pClient = pClient;
     if (m_pClient != nullptr) {
         m_pClient->setParent(this);
+        // The frame's cursor changes over its edges; the client keeps its own.
+        m_pClient->setCursor(Qt::ArrowCursor);
         PlaceClient();
         m_pClient->show();
     }

@@ -7,6 +7,7 @@
 #include "TvnText.h"
 
 #include <QApplication>
+#include <QIcon>
 #include <QMessageBox>
 
 namespace {
@@ -35,7 +36,8 @@ int main(int argc, char** argv) {
         return 1;
     }
     InstallToolkitHooks();
-    QApplication::setApplicationDisplayName(TvnText(tvn::kAppTitle));
+    // The program's own icon, from the desktop's icon theme where the install put it.
+    QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("ovrin")));
 
     int nResult = 0;
     {
