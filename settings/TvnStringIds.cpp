@@ -72,6 +72,8 @@ constexpr TextUse kUses[] = {
     {kTipMinimize, 0},
     {kTipMaximize, 0},
     {kTipRestore, 0},
+    {kSysMenuSize, 0},
+    {kSysMenuMove, 0},
     {kMenuSmallIcons, 0},
     {kMenuList, 0},
     {kMenuDetails, 0},

@@ -82,6 +82,8 @@ enum TextId : uint32_t {
     kTipMinimize = 61186,
     kTipMaximize = 61187,
     kTipRestore = 61817,
+    kSysMenuSize = 61184,
+    kSysMenuMove = 61185,
 
     kMenuSmallIcons = 643,
     kMenuList = 644,

@@ -9,6 +9,8 @@
 namespace {
 
 constexpr int kFocusInset = 2;
+// Strips without a disabled picture show the normal one this faded.
+constexpr qreal kDisabledOpacity = 0.4;
 
 } // namespace
 
@@ -83,8 +85,12 @@ void CGXTButton::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     PaintInDevicePixels(painter, this);
     const QSize size = DeviceSize(this);
-    if (m_nIcon < m_icons.size()) {
-        const QImage& icon = m_icons[m_nIcon];
+    const int nIcon = isEnabled() ? m_nIcon : kIconNormal;
+    if (!isEnabled()) {
+        painter.setOpacity(kDisabledOpacity);
+    }
+    if (nIcon < m_icons.size()) {
+        const QImage& icon = m_icons[nIcon];
         painter.drawImage((size.width() - icon.width()) / 2, (size.height() - icon.height()) / 2,
                           icon);
     }

@@ -1,5 +1,6 @@
-// The caption buttons of the main frame: a push button that shows one of three icons cut from
-// a strip (normal, hover, pressed), whose mask colour is transparent.
+// A push button that shows one of three icons cut from a strip (normal, hover, pressed),
+// whose mask colour is transparent; disabled, it shows the normal icon faded. The command bar
+// is made of them.
 #pragma once
 
 #include "CFocusCue.h"
@@ -20,6 +21,8 @@ public:
     // picture that cannot be read.
     bool Setup(const QString& relativePath, int nPieces, COLORREF maskColour);
     bool Setup(const QImage& strip, int nPieces, COLORREF maskColour);
+    // A mask colour that no pixel has, for strips that keep every pixel.
+    static constexpr COLORREF kNoMask = 0xFFFFFFFF;
 
     int CurrentIcon() const { return m_nIcon; }
     QSize IconSize() const { return QSize(m_nIconWidth, m_nIconHeight); }

@@ -1,0 +1,87 @@
+// The program's window: the skinned frame around the command bar and the two panes, the route
+// of the numbered commands, the one progress dialog, and its place on the screen between runs.
+#pragma once
+
+#include "CGXTFrameWnd.h"
+#include "ICommandTarget.h"
+
+#include <QRect>
+
+class COvCommandView;
+class CProgressDlg;
+class QMenu;
+class QSplitter;
+
+class CMainFrame : public CGXTFrameWnd, public ICommandTarget {
+    Q_OBJECT
+public:
+    // Device pixels at an interface scale of 1.0.
+    static constexpr int kCommandBarHeight = 37;
+    static constexpr int kLeftPaneWidth = 230;
+    static constexpr int kMinTrackWidth = 450;
+    static constexpr QSize kDefaultSize{800, 400};
+
+    // The buttons of the command bar, in their order.
+    static constexpr int kCommandOpen = 639;
+    static constexpr int kCommandView = 640;
+    static constexpr int kCommandExtract = 641;
+    static constexpr int kCommandViewMenu = 642;
+    static constexpr int kCommandBurn = 661;
+    static constexpr int kCommandMount = 671;
+    // The view menu's entries, which change how the file list shows its entries.
+    static constexpr int kCommandSmallIcons = 643;
+    static constexpr int kCommandList = 644;
+    static constexpr int kCommandDetails = 645;
+    static constexpr int kCommandLargeIcons = 646;
+
+    // Where the window stands, in device pixels; the normal rectangle when maximised.
+    struct Placement {
+        QRect rect;
+        bool bMaximised = false;
+    };
+
+    explicit CMainFrame(QWidget* pParent = nullptr);
+    ~CMainFrame() override;
+
+    // Puts the folder pane on the left and the file list on the right, in place of the panes
+    // there before; the frame owns them. The left one becomes the active pane.
+    void SetPanes(QWidget* pLeft, QWidget* pRight);
+    QWidget* LeftPane() const { return m_pLeftPane; }
+    QWidget* RightPane() const { return m_pRightPane; }
+    QSplitter* Splitter() const { return m_pSplitter; }
+    COvCommandView* CommandView() const { return m_pCommandView; }
+    CProgressDlg* ProgressDialog() const { return m_pProgress; }
+    QMenu* ViewMenu();
+
+    // The stored placement; false if any of its values is missing.
+    static bool ReadPlacement(Placement& placement);
+    // Each value on its own; false if any write failed.
+    static bool WritePlacement(const Placement& placement);
+    Placement CurrentPlacement() const;
+    // Shows the window where the last run left it: maximised if it was, at the default size
+    // if the stored placement is incomplete.
+    void ShowAtSavedPlacement();
+
+    // The active pane first, then the frame's own commands.
+    bool OnCommand(int nId) override;
+    bool OnUpdateCommand(int nId, CommandState& state) override;
+
+protected:
+    void closeEvent(QCloseEvent* pEvent) override;
+
+private:
+    QWidget* MakeClient();
+    void MakeProgressDialog();
+    void OnFocusChanged(QWidget* pNow);
+    static bool IsOwnCommand(int nId);
+    bool OnOwnCommand(int nId);
+    static ICommandTarget* TargetOf(QWidget* pPane);
+
+    COvCommandView* m_pCommandView = nullptr;
+    QSplitter* m_pSplitter = nullptr;
+    QWidget* m_pLeftPane = nullptr;
+    QWidget* m_pRightPane = nullptr;
+    QWidget* m_pActivePane = nullptr;
+    CProgressDlg* m_pProgress = nullptr;
+    QMenu* m_pViewMenu = nullptr;
+};

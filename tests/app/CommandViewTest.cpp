@@ -1,0 +1,157 @@
+// The command bar: its row of buttons, whose state the target's route decides, whose clicks go
+// to the target, and which are drawn faded when disabled; the large pictures at a scale of 1.5.
+#include "AppTestSupport.h"
+#include "CDisplayScale.h"
+#include "CGXTButton.h"
+#include "CMainFrame.h"
+#include "COvCommandView.h"
+#include "RegTypes.h"
+#include "ScalarReg.h"
+#include "ToolkitTestSupport.h"
+
+#include <QEventLoop>
+#include <QPainter>
+#include <QTimer>
+#include <gtest/gtest.h>
+
+namespace {
+
+using apptest::RecordingPane;
+using namespace toolkittest;
+
+constexpr int kRow[] = {639, 640, 641, 642, 661, 671};
+
+void Wait(int nMs) {
+    QEventLoop loop;
+    QTimer::singleShot(nMs, &loop, &QEventLoop::quit);
+    loop.exec();
+}
+
+class CommandViewTest : public ::testing::Test {
+protected:
+    CommittedSkin m_skin;
+    RecordingPane m_target;
+    COvCommandView m_view;
+};
+
+TEST_F(CommandViewTest, ButtonsStandInARowAsWideAsTheirPictures) {
+    m_view.CreateButtons(kRow);
+    const int widths[] = {70, 68, 82, 84, 68, 76};
+    int x = 5;
+    for (size_t i = 0; i < std::size(kRow); ++i) {
+        const CGXTButton* pButton = m_view.Button(kRow[i]);
+        ASSERT_NE(pButton, nullptr) << kRow[i];
+        EXPECT_EQ(pButton->geometry(), QRect(x, 7, widths[i], 23)) << kRow[i];
+        EXPECT_EQ(pButton->toolTip(), TvnText(static_cast<uint32_t>(kRow[i])));
+        x += widths[i] + 10;
+    }
+}
+
+TEST_F(CommandViewTest, AZeroKeepsAnEmptySlotAndASecondCallReplacesTheRow) {
+    const int ids[] = {639, 0, 640};
+    EXPECT_EQ(m_view.CreateButtons(ids), 0);
+    EXPECT_EQ(m_view.Button(640)->x(), 5 + 70 + 10);
+    const int others[] = {661};
+    m_view.CreateButtons(others);
+    EXPECT_EQ(m_view.Button(639), nullptr);
+    EXPECT_EQ(m_view.Button(661)->x(), 5);
+    EXPECT_EQ(m_view.findChildren<CGXTButton*>().size(), 1);
+}
+
+TEST_F(CommandViewTest, TheRouteEnablesAndAnUnknownCommandStaysDisabled) {
+    m_target.m_known = {{639, true}, {640, false}};
+    m_view.SetCommandTarget(&m_target);
+    m_view.CreateButtons(kRow);
+    EXPECT_TRUE(m_view.Button(639)->isEnabled());
+    EXPECT_FALSE(m_view.Button(640)->isEnabled());
+    EXPECT_FALSE(m_view.Button(641)->isEnabled());
+    m_target.m_known[641] = true;
+    m_target.m_updates.clear();
+    Wait(COvCommandView::kUpdateIntervalMs * 2);
+    EXPECT_FALSE(m_target.m_updates.empty());
+    EXPECT_TRUE(m_view.Button(641)->isEnabled());
+}
+
+TEST_F(CommandViewTest, AClickSendsTheCommandAndUpdatesAtOnce) {
+    m_target.m_known = {{639, true}};
+    m_view.SetCommandTarget(&m_target);
+    m_view.CreateButtons(kRow);
+    m_view.show();
+    m_target.m_known[640] = true;
+    CGXTButton* pOpen = m_view.Button(639);
+    const QPoint centre = pOpen->rect().center();
+    PressAt(*pOpen, centre);
+    ReleaseAt(*pOpen, centre);
+    EXPECT_EQ(m_target.m_commands, std::vector<int>{639});
+    EXPECT_TRUE(m_view.Button(640)->isEnabled());
+}
+
+TEST_F(CommandViewTest, WithoutATargetNothingIsSentOrEnabled) {
+    m_view.CreateButtons(kRow);
+    m_view.show();
+    CGXTButton* pOpen = m_view.Button(639);
+    pOpen->setEnabled(true);
+    PressAt(*pOpen, pOpen->rect().center());
+    ReleaseAt(*pOpen, pOpen->rect().center());
+    EXPECT_TRUE(m_target.m_commands.empty());
+}
+
+// The strips have no disabled picture: a disabled button draws its normal one faded.
+TEST_F(CommandViewTest, ADisabledButtonIsItsNormalPictureFaded) {
+    m_view.CreateButtons(kRow);
+    CGXTButton* pButton = m_view.Button(639);
+    const auto render = [pButton](bool bEnabled) {
+        pButton->setEnabled(bEnabled);
+        QImage image(pButton->size(), QImage::Format_ARGB32_Premultiplied);
+        image.fill(Qt::transparent);
+        pButton->render(&image, QPoint(), QRegion(), QWidget::DrawChildren);
+        return image;
+    };
+    const auto strongest = [](const QImage& image) {
+        int nAlpha = 0;
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x) {
+                nAlpha = std::max(nAlpha, qAlpha(image.pixel(x, y)));
+            }
+        }
+        return nAlpha;
+    };
+    EXPECT_EQ(strongest(render(true)), 255);
+    const int nFaded = strongest(render(false));
+    EXPECT_GT(nFaded, 60);
+    EXPECT_LT(nFaded, 160);
+}
+
+TEST_F(CommandViewTest, BarIsPaintedInItsOwnColour) {
+    m_view.resize(200, 37);
+    const QImage image = m_view.grab().toImage();
+    EXPECT_EQ(image.pixelColor(150, 33), QColor(0x53, 0x58, 0x60));
+}
+
+// Run by CTest in a process of its own at a scale factor of 1.5.
+TEST(HighScale, TheLargePicturesAndSizesAreUsed) {
+    if (qgetenv("QT_SCALE_FACTOR") != "1.5") {
+        GTEST_SKIP() << "runs only at a scale factor of 1.5";
+    }
+    DwordReg(RegRoot::LocalMachine, QString::fromUtf16(kSettingsKey),
+             QStringLiteral("EnableDPIAware"), true) = 1;
+    ASSERT_EQ(GetUiScale(), 1.5);
+    CommittedSkin skin;
+    struct Case {
+        int nId;
+        const char* pName;
+    };
+    const Case cases[] = {{639, "btn_open_150"},    {640, "btn_view_150"},
+                          {641, "btn_extract_150"}, {642, "btn_viewmode_150"},
+                          {661, "btn_burn_150"},    {671, "btn_burn_150"},
+                          {12345, "btn_view_150"}};
+    for (const Case& c : cases) {
+        EXPECT_EQ(COvCommandView::PictureName(c.nId), QString::fromLatin1(c.pName)) << c.nId;
+    }
+    CMainFrame frame;
+    EXPECT_EQ(frame.minimumWidth(), 450);
+    EXPECT_EQ(frame.CommandView()->height(), 37);
+    EXPECT_EQ(frame.CommandView()->Button(639)->IconSize(), QSize(105, 35));
+}
+
+} // namespace

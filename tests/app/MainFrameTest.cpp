@@ -1,0 +1,220 @@
+// The main frame: its least width, its place between runs, and the order in which its route
+// asks the panes and itself.
+#include "AppTestSupport.h"
+#include "CMainFrame.h"
+#include "COvCommandView.h"
+#include "CProgressDlg.h"
+#include "CRegistry.h"
+#include "RegTypes.h"
+#include "ScalarReg.h"
+#include "ToolkitTestSupport.h"
+
+#include <QApplication>
+#include <QMenu>
+#include <QSplitter>
+#include <gtest/gtest.h>
+
+namespace {
+
+using apptest::RecordingPane;
+using Placement = CMainFrame::Placement;
+
+void ClearSettings() {
+    CRegistry::Default().Root(RegRoot::CurrentUser).DeleteKey(QString::fromUtf16(kSettingsKey));
+}
+
+void Store(const char16_t* pName, int32_t nValue) {
+    IntReg(RegRoot::CurrentUser, QString::fromUtf16(kSettingsKey), QString::fromUtf16(pName),
+           true) = nValue;
+}
+
+class MainFrameTest : public ::testing::Test {
+protected:
+    void SetUp() override { ClearSettings(); }
+    void TearDown() override { ClearSettings(); }
+
+    toolkittest::CommittedSkin m_skin;
+};
+
+TEST_F(MainFrameTest, HasItsLeastWidthAndItsPanes) {
+    CMainFrame frame;
+    EXPECT_EQ(frame.minimumWidth(), CMainFrame::kMinTrackWidth);
+    frame.resize(CMainFrame::kDefaultSize);
+    frame.show();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(frame.CommandView()->height(), CMainFrame::kCommandBarHeight);
+    EXPECT_EQ(frame.Splitter()->sizes().value(0), CMainFrame::kLeftPaneWidth);
+    EXPECT_TRUE(frame.ProgressDialog() != nullptr && frame.ProgressDialog()->isHidden());
+}
+
+TEST_F(MainFrameTest, ReadsThePlacementOnlyWhenEveryValueIsThere) {
+    struct Case {
+        std::vector<std::pair<const char16_t*, int32_t>> values;
+        bool bRead;
+        Placement expected;
+    };
+    const Case cases[] = {
+        {{}, false, {}},
+        {{{u"OvWnd_PosS", 1}}, false, {}},
+        {{{u"OvWnd_PosX", 10}, {u"OvWnd_PosY", 20}, {u"OvWnd_PosW", 640}, {u"OvWnd_PosH", 480}},
+         false,
+         {}},
+        {{{u"OvWnd_PosX", 10},
+          {u"OvWnd_PosY", 20},
+          {u"OvWnd_PosW", 640},
+          {u"OvWnd_PosH", 480},
+          {u"OvWnd_PosS", 0}},
+         true,
+         {QRect(10, 20, 640, 480), false}},
+        {{{u"OvWnd_PosX", -5},
+          {u"OvWnd_PosY", 7},
+          {u"OvWnd_PosW", 0},
+          {u"OvWnd_PosH", 0},
+          {u"OvWnd_PosS", 1}},
+         true,
+         {QRect(-5, 7, 0, 0), true}},
+    };
+    for (const Case& c : cases) {
+        ClearSettings();
+        for (const auto& [pName, nValue] : c.values) {
+            Store(pName, nValue);
+        }
+        Placement placement;
+        ASSERT_EQ(CMainFrame::ReadPlacement(placement), c.bRead) << c.values.size();
+        if (c.bRead) {
+            EXPECT_EQ(placement.rect, c.expected.rect);
+            EXPECT_EQ(placement.bMaximised, c.expected.bMaximised);
+        }
+    }
+}
+
+TEST_F(MainFrameTest, ShowsAtTheDefaultSizeOrMaximisedOrWhereItWas) {
+    {
+        Store(u"OvWnd_PosS", 1);
+        CMainFrame frame;
+        frame.ShowAtSavedPlacement();
+        EXPECT_FALSE(frame.isMaximized());
+        EXPECT_EQ(frame.size(), CMainFrame::kDefaultSize);
+    }
+    CMainFrame::WritePlacement({QRect(30, 40, 700, 500), false});
+    {
+        CMainFrame frame;
+        frame.ShowAtSavedPlacement();
+        EXPECT_EQ(frame.geometry(), QRect(30, 40, 700, 500));
+    }
+    CMainFrame::WritePlacement({QRect(30, 40, 700, 500), true});
+    {
+        CMainFrame frame;
+        frame.ShowAtSavedPlacement();
+        EXPECT_TRUE(frame.isMaximized());
+    }
+}
+
+TEST_F(MainFrameTest, ClosingStoresTheNormalRectangle) {
+    for (const bool bMaximise : {false, true}) {
+        CMainFrame frame;
+        frame.setGeometry(50, 60, 640, 420);
+        frame.show();
+        if (bMaximise) {
+            frame.showMaximized();
+        }
+        QCoreApplication::processEvents();
+        frame.close();
+        Placement placement;
+        ASSERT_TRUE(CMainFrame::ReadPlacement(placement));
+        EXPECT_EQ(placement.rect, QRect(50, 60, 640, 420));
+        EXPECT_EQ(placement.bMaximised, bMaximise);
+    }
+}
+
+// The left pane is active until another takes the focus; the frame's own commands go to the
+// file list on the right.
+TEST_F(MainFrameTest, RoutesToTheActivePaneFirstThenToItself) {
+    struct Case {
+        int nId;
+        bool bLeftKnows;
+        bool bHandled;
+        std::vector<int> left;
+        std::vector<int> right;
+    };
+    const Case cases[] = {
+        {CMainFrame::kCommandView, true, true, {640}, {}},
+        {CMainFrame::kCommandView, false, false, {640}, {}},
+        {CMainFrame::kCommandOpen, false, true, {639}, {639}},
+        {CMainFrame::kCommandOpen, true, true, {639}, {}},
+        {CMainFrame::kCommandBurn, false, true, {661}, {661}},
+        {CMainFrame::kCommandMount, false, true, {671}, {671}},
+        {CMainFrame::kCommandDetails, false, true, {645}, {645}},
+        {CMainFrame::kCommandLargeIcons, false, true, {646}, {646}},
+    };
+    for (const Case& c : cases) {
+        CMainFrame frame;
+        auto* pLeft = new RecordingPane;
+        auto* pRight = new RecordingPane;
+        frame.SetPanes(pLeft, pRight);
+        if (c.bLeftKnows) {
+            pLeft->m_known[c.nId] = true;
+        }
+        EXPECT_EQ(frame.OnCommand(c.nId), c.bHandled) << c.nId;
+        EXPECT_EQ(pLeft->m_commands, c.left) << c.nId;
+        EXPECT_EQ(pRight->m_commands, c.right) << c.nId;
+    }
+}
+
+TEST_F(MainFrameTest, UpdatesAskTheActivePaneThenKnowTheFramesOwnCommands) {
+    CMainFrame frame;
+    auto* pLeft = new RecordingPane;
+    frame.SetPanes(pLeft, new QWidget);
+    pLeft->m_known[CMainFrame::kCommandBurn] = false;
+    struct Case {
+        int nId;
+        bool bKnown;
+        bool bEnabled;
+    };
+    const Case cases[] = {
+        {CMainFrame::kCommandBurn, true, false},     {CMainFrame::kCommandOpen, true, true},
+        {CMainFrame::kCommandViewMenu, true, true},  {CMainFrame::kCommandView, false, false},
+        {CMainFrame::kCommandExtract, false, false},
+    };
+    for (const Case& c : cases) {
+        CommandState state;
+        EXPECT_EQ(frame.OnUpdateCommand(c.nId, state), c.bKnown) << c.nId;
+        EXPECT_EQ(state.bEnabled, c.bEnabled) << c.nId;
+    }
+    // Without a file list the commands it would take do nothing, and nothing fails.
+    EXPECT_TRUE(frame.OnCommand(CMainFrame::kCommandOpen));
+}
+
+TEST_F(MainFrameTest, TheFocusedPaneBecomesActive) {
+    CMainFrame frame;
+    auto* pLeft = new RecordingPane;
+    auto* pRight = new RecordingPane;
+    pRight->setFocusPolicy(Qt::StrongFocus);
+    frame.SetPanes(pLeft, pRight);
+    frame.show();
+    frame.activateWindow();
+    QCoreApplication::processEvents();
+    pRight->setFocus();
+    QCoreApplication::processEvents();
+    if (QApplication::focusWidget() != pRight) {
+        GTEST_SKIP() << "the platform gives no focus";
+    }
+    pRight->m_known[CMainFrame::kCommandView] = true;
+    EXPECT_TRUE(frame.OnCommand(CMainFrame::kCommandView));
+    EXPECT_TRUE(pLeft->m_commands.empty());
+}
+
+TEST_F(MainFrameTest, ViewMenuSendsTheViewStylesToTheFileList) {
+    CMainFrame frame;
+    auto* pRight = new RecordingPane;
+    frame.SetPanes(new QWidget, pRight);
+    std::vector<int> ids;
+    for (QAction* pAction : frame.ViewMenu()->actions()) {
+        ids.push_back(pAction->data().toInt());
+        pAction->trigger();
+    }
+    EXPECT_EQ(ids, (std::vector<int>{646, 643, 644, 645}));
+    EXPECT_EQ(pRight->m_commands, ids);
+}
+
+} // namespace
