@@ -115,10 +115,12 @@ bool CLanguageChain::LoadStringTable(int32_t status, CTvnStringTable& table, QSt
         if (table.LoadFile(pathTried)) {
             return true;
         }
+        // A program that no installer has set up, run from its build folder say, names no
+        // language of the machine; English, the last resort, stands for it.
         StringReg installed(RegRoot::LocalMachine, SettingsKey(), u"CurrentLang"_s, false,
                             m_pRegistry);
-        installed.Read();
-        pathTried = m_strFolder + u"/Language/"_s + installed.Text() + u"/Tvnrc.txt"_s;
+        const QString code = installed.Read() ? installed.Text() : kEnglishCode;
+        pathTried = m_strFolder + u"/Language/"_s + code + u"/Tvnrc.txt"_s;
         return table.LoadFile(pathTried);
     }
     char16_t path[kLyndraBufferChars] = {};

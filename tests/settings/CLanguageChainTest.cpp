@@ -39,7 +39,8 @@ TEST(CLanguageChain, ChoosesTheTableByTransferLibraryBesideTableInstallerAndEngl
     const Case cases[] = {
         {"beside wins without Lyndra", nullptr, true, u"Fra"_s, {}, false, {}, u"beside"_s, u"-"_s},
         {"installer's choice", nullptr, false, u"Fra"_s, u"Deu"_s, false, {}, u"fra"_s, u"Deu"_s},
-        {"nothing named", nullptr, false, {}, {}, false, {}, QString(), u"-"_s},
+        {"nothing named is English", nullptr, false, {}, {}, false, {}, u"enu"_s, u"-"_s},
+        {"installer's table missing", nullptr, false, u"Ita"_s, {}, false, {}, QString(), u"-"_s},
         {"Lyndra gives no object", "no-object", false, u"Deu"_s, {}, false, {}, u"deu"_s, u"-"_s},
         {"user's choice", "accept", true, {}, u"Fra"_s, false, {}, u"fra"_s, u"Fra"_s},
         {"no choice is English", "accept", false, {}, {}, false, {}, u"enu"_s, u"-"_s},
@@ -84,7 +85,7 @@ TEST(CLanguageChain, ChoosesTheTableByTransferLibraryBesideTableInstallerAndEngl
         EXPECT_EQ(chain.LoadStringTable(status, table, tried), !c.expectedText.isEmpty()) << c.what;
         EXPECT_EQ(table.Text(100), c.expectedText) << c.what;
         if (c.expectedText.isEmpty()) {
-            EXPECT_EQ(tried, folder + u"/Language//Tvnrc.txt"_s) << c.what;
+            EXPECT_EQ(tried, folder + u"/Language/Ita/Tvnrc.txt"_s) << c.what;
         }
         uint32_t type = 0;
         QByteArray stored;
