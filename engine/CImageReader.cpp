@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+CImageReader* g_pImageReader = nullptr;
+
 CImageReader::CImageReader(const QString& enginePath) : m_session(m_progress, enginePath) {}
 
 int CImageReader::SetCallback(ImageReaderCallback pfnCallback, void* pContext) {

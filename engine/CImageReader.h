@@ -88,3 +88,7 @@ private:
     CTargetWriter m_writer{m_progress};
     CFileExtractor m_extractor{m_progress, m_session, m_diskRoom, m_writer};
 };
+
+// The process's one reader, set by whoever owns it and cleared before it goes. Null while
+// there is none: every user tests for that and then does nothing.
+extern CImageReader* g_pImageReader;

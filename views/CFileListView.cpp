@@ -134,6 +134,10 @@ void CFileListView::OpenRow(int nRow) {
 }
 
 bool CFileListView::OnCommand(int nId) {
+    if (nId == kCmdOpenImage) {
+        OnOpenImage();
+        return true;
+    }
     if (const ModeCommand* pEntry = FindModeCommand(nId)) {
         SetViewMode(pEntry->nMode);
         return true;
@@ -149,6 +153,10 @@ bool CFileListView::OnUpdateCommand(int nId, CommandState& state) {
     }
     if (nId == kCmdViewFile) {
         state.bEnabled = m_wndList.SelectedRowCount() == 1;
+        return true;
+    }
+    if (nId == kCmdOpenImage) {
+        state.bEnabled = true;
         return true;
     }
     return false;

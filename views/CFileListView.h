@@ -6,9 +6,12 @@
 #include "COvListCtrl.h"
 #include "ICommandTarget.h"
 #include "IOvDocument.h"
+#include "QmzTypes.h"
+#include "ReaderProgress.h"
 
 #include <QStringList>
 #include <QWidget>
+#include <functional>
 
 class CFolderTreeView;
 class COvDataItem;
@@ -24,6 +27,11 @@ inline constexpr int kCmdLargeIcons = 646;
 class CFileListView : public QWidget, public IOvView, public ICommandTarget {
     Q_OBJECT
 public:
+    // Asks the user for an image: the first folder, the filter in Qt's form and the title; an
+    // empty answer is a cancel. Tests put their own answer here instead of a dialog.
+    using ImageChooser = std::function<QString(QWidget* pParent, const QString& folder,
+                                               const QString& filter, const QString& title)>;
+
     // Registers with the document, which must outlive the view.
     explicit CFileListView(IOvDocument* pDocument, QWidget* pParent = nullptr);
     // Removes the files that were extracted for viewing.
@@ -44,6 +52,21 @@ public:
 
     COvListCtrl& ListCtrl() { return m_wndList; }
 
+    // Command 639: the user picks an image, which replaces the one open; a failure is told in
+    // a message box unless the user stopped it.
+    void OnOpenImage();
+    // Replaces the document's tree by the image's. The earlier image is gone even when this
+    // fails; the result is the reader's code, or kFail for a name that is not an image.
+    qmz::Result OpenImageFile(const QString& path);
+    // An empty tree and no current folder.
+    void ClearDocument();
+    // Empty exactly when no image is open.
+    const QString& ImagePath() const { return m_strImagePath; }
+    void SetImageChooser(ImageChooser fnChooser) { m_fnChooseImage = std::move(fnChooser); }
+    // The frame's receiver of the reader's notices, which the commands also tell when a job
+    // is over.
+    void SetFrameCallback(ImageReaderCallback pfnCallback, void* pContext);
+
 protected:
     bool event(QEvent* pEvent) override;
     bool eventFilter(QObject* pWatched, QEvent* pEvent) override;
@@ -51,10 +74,15 @@ protected:
 private:
     void UpdateSortArrows(const COvDataItem* pFolder);
     void DeleteTempFiles();
+    void NotifyFrame(uint32_t nCode) const;
 
     IOvDocument* m_pDocument;
     int m_dwViewMode = COvListCtrl::ModeReport;
     CFolderTreeView* m_pTreeView = nullptr;
     QStringList m_lstTempFiles;
+    QString m_strImagePath;
+    ImageChooser m_fnChooseImage;
+    ImageReaderCallback m_pfnFrameCallback = nullptr;
+    void* m_pFrameContext = nullptr;
     COvListCtrl m_wndList;
 };

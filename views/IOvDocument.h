@@ -23,6 +23,10 @@ public:
 
     // Null when no tree could be made.
     virtual COvDataItem* GetRootItem() const = 0;
+    // Each image gets a fresh tree: the old root goes first, with every node below it, so that
+    // no node of one image outlives it into the next.
+    virtual void DeleteRootItem() = 0;
+    virtual void CreateRootItem() = 0;
     // Null before the tree picks one; may be the root.
     virtual COvDataItem* GetCurrentFolder() const = 0;
     virtual void SetCurrentFolder(COvDataItem* pFolder) = 0;

@@ -3,17 +3,21 @@
 
 #include "COvDataItem.h"
 #include "IOvDocument.h"
+#include "TvnText.h"
 
 #include <QString>
 #include <memory>
 
 class TestDocument : public IOvDocument {
 public:
-    TestDocument()
-        : m_pRoot(std::make_unique<COvDataItem>(QStringLiteral("No image open"),
-                                                COvDataItem::KindRoot, 0, 0)) {}
+    TestDocument() { CreateRootItem(); }
 
     COvDataItem* GetRootItem() const override { return m_pRoot.get(); }
+    void DeleteRootItem() override { m_pRoot.reset(); }
+    void CreateRootItem() override {
+        m_pRoot =
+            std::make_unique<COvDataItem>(TvnText(tvn::kNoImageRoot), COvDataItem::KindRoot, 0, 0);
+    }
     COvDataItem* GetCurrentFolder() const override { return m_pCurrent; }
     void SetCurrentFolder(COvDataItem* pFolder) override { m_pCurrent = pFolder; }
 
