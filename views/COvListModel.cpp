@@ -2,6 +2,7 @@
 
 #include "COvDataItem.h"
 #include "CShellIcons.h"
+#include "FileTimeMath.h"
 #include "Formatting.h"
 #include "TvnText.h"
 
@@ -9,9 +10,8 @@
 
 namespace {
 
-// FILETIME ticks per millisecond, and the milliseconds from 1601-01-01 to 1970-01-01.
-constexpr uint64_t kTicksPerMillisecond = 10'000;
-constexpr int64_t kMillisecondsFrom1601To1970 = 11'644'473'600'000;
+constexpr uint64_t kTicksPerMillisecond = filetime::kTicksPerSecond / 1000;
+constexpr int64_t kMillisecondsFrom1601To1970 = filetime::kSecondsFrom1601To1970 * 1000;
 
 QString DateText(const qmz::FileTime& ft) {
     const uint64_t ticks = (static_cast<uint64_t>(ft.dwHighDateTime) << 32) | ft.dwLowDateTime;
