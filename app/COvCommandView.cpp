@@ -34,7 +34,7 @@ constexpr Pictures kPictures[] = {
     {641, tvn::kImageExtract, tvn::kImageExtractLarge},
     {642, tvn::kImageViewMenu, tvn::kImageViewMenuLarge},
     {661, tvn::kImageBurn, tvn::kImageBurnLarge},
-    {671, tvn::kImageMount, tvn::kImageBurnLarge},
+    {671, tvn::kImageMount, tvn::kImageMountLarge},
 };
 
 int Scaled(int nValue) {

@@ -89,6 +89,7 @@ constexpr TextUse kUses[] = {
     {kImageViewMenuLarge, 0},
     {kImageBurnLarge, 0},
     {kImageMount, 0},
+    {kImageMountLarge, 0},
     {kFontFace, 0},
     {kButtonFontSize, 0},
 };

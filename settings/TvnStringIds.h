@@ -101,6 +101,8 @@ enum TextId : uint32_t {
     kImageViewMenuLarge = 636,
     kImageBurnLarge = 638,
     kImageMount = 61826,
+    // The mount button's own picture at 1.5, so that it does not show the burn button's.
+    kImageMountLarge = 61827,
 
     kFontFace = 8012,
     kButtonFontSize = 8040,

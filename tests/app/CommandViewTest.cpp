@@ -143,7 +143,7 @@ TEST(HighScale, TheLargePicturesAndSizesAreUsed) {
     };
     const Case cases[] = {{639, "btn_open_150"},    {640, "btn_view_150"},
                           {641, "btn_extract_150"}, {642, "btn_viewmode_150"},
-                          {661, "btn_burn_150"},    {671, "btn_burn_150"},
+                          {661, "btn_burn_150"},    {671, "btn_mount_150"},
                           {12345, "btn_view_150"}};
     for (const Case& c : cases) {
         EXPECT_EQ(COvCommandView::PictureName(c.nId), QString::fromLatin1(c.pName)) << c.nId;

@@ -78,7 +78,7 @@ void addCommandBar(std::vector<SkinPicture>& all) {
         {"btn_extract", CommandIcon::Extract, "Extract", 82, 123},
         {"btn_viewmode", CommandIcon::ViewMode, "Views", 84, 126},
         {"btn_burn", CommandIcon::Burn, "Burn", 68, 102},
-        {"btn_mount", CommandIcon::Mount, "Mount", 76, 0},
+        {"btn_mount", CommandIcon::Mount, "Mount", 76, 114},
     };
     for (const Command& c : commands) {
         const bool menu = c.icon == CommandIcon::ViewMode;
@@ -87,8 +87,6 @@ void addCommandBar(std::vector<SkinPicture>& all) {
             {QStringLiteral("MainFrame/%1.png").arg(c.name), piece, kThreeStates, [c, menu, piece] {
                  return ButtonPainter::command(piece, kThreeStates, c.icon, c.label, 1.0, menu);
              }});
-        if (c.widthLarge == 0)
-            continue;
         const QSize large(c.widthLarge, kCommandHeightLarge);
         all.push_back({QStringLiteral("MainFrame/%1_150.png").arg(c.name), large, kThreeStates,
                        [c, menu, large] {
