@@ -84,10 +84,12 @@ bool COvrinApp::LoadLanguage() {
 }
 
 // A name that does not exist is dropped without a word: the start goes on as one without it.
+// The name is made absolute at once, as the working folder does not stay the one the user
+// started in.
 void COvrinApp::ParseCommandLine() {
     const QString name = m_lstArguments.value(1);
     if (!name.isEmpty() && QFileInfo::exists(name)) {
-        m_strFileToOpen = name;
+        m_strFileToOpen = QFileInfo(name).absoluteFilePath();
     }
 }
 
@@ -97,16 +99,20 @@ bool COvrinApp::PassGuards() const {
     return true;
 }
 
-// The toolkit's font keeps its pixel height at any DPI, as the skin's pictures do, and grows
-// only with the interface scale.
+// The toolkit's font keeps its height in device pixels at any DPI, as the skin's pictures do,
+// and grows only with the interface scale. Qt sizes fonts in logical pixels, which the device
+// pixel ratio turns into device pixels.
 void COvrinApp::BuildGlobalFont() {
     QFont font = QApplication::font();
-    const double dPixels = font.pixelSize() > 0
-                               ? font.pixelSize()
-                               : font.pointSizeF() * ScreenDeviceDpi() / kPointsPerInch;
-    const int nPixels = static_cast<int>(std::floor(dPixels / GetDpiScale(false) * GetUiScale()));
-    if (nPixels > 0) {
-        font.setPixelSize(nPixels);
+    const double dRatio = qApp->devicePixelRatio();
+    const double dLogical = font.pixelSize() > 0
+                                ? font.pixelSize()
+                                : font.pointSizeF() * ScreenDeviceDpi() / dRatio / kPointsPerInch;
+    const int nDevice =
+        static_cast<int>(std::floor(dLogical * dRatio / GetDpiScale(false) * GetUiScale()));
+    const int nLogical = qRound(nDevice / dRatio);
+    if (nLogical > 0) {
+        font.setPixelSize(nLogical);
         QApplication::setFont(font);
     }
 }
