@@ -219,9 +219,12 @@ void CMainFrame::ReportNoRoom(const QString& targetPath) {
     }
 }
 
+// While a job runs the frame takes no input, and a box that belonged to it would take none
+// either; it belongs to the progress dialog then.
 void CMainFrame::Report(const QString& text) {
-    ShowMessageBoxText(text, mb::kOk, tvn::kBoxTitle, this, QString::fromUtf16(kDefaultMessageIcon),
-                       false);
+    QWidget* pParent = m_pProgress->isVisible() ? static_cast<QWidget*>(m_pProgress) : this;
+    ShowMessageBoxText(text, mb::kOk, tvn::kBoxTitle, pParent,
+                       QString::fromUtf16(kDefaultMessageIcon), false);
 }
 
 int& CMainFrame::TimerSlot(int nTimer) {
