@@ -219,12 +219,11 @@ void CMainFrame::ReportNoRoom(const QString& targetPath) {
     }
 }
 
-// While a job runs the frame takes no input, and a box that belonged to it would take none
-// either; it belongs to the progress dialog then.
+// A box is a window of its own, so it takes the user's answer while a job keeps the frame
+// disabled.
 void CMainFrame::Report(const QString& text) {
-    QWidget* pParent = m_pProgress->isVisible() ? static_cast<QWidget*>(m_pProgress) : this;
-    ShowMessageBoxText(text, mb::kOk, tvn::kBoxTitle, pParent,
-                       QString::fromUtf16(kDefaultMessageIcon), false);
+    ShowMessageBoxText(text, mb::kOk, tvn::kBoxTitle, this, QString::fromUtf16(kDefaultMessageIcon),
+                       false);
 }
 
 int& CMainFrame::TimerSlot(int nTimer) {
