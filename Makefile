@@ -1,5 +1,6 @@
 # Two commands set everything up on a fresh machine:
-#   make run   installs what building and running need, builds, and lists the sample image
+#   make run   installs what building and running need, builds, and shows the sample image in
+#              the viewer's window
 #   make test  installs the test tools besides, checks the formatting, builds, and runs every
 #              test (plain and sanitized)
 #   make fuzz-long  fuzzes the engine for FUZZ_SECONDS (default half an hour)
@@ -43,7 +44,7 @@ build: configure
 	$(LOCK) cmake --build $(BUILD) -j $(JOBS)
 
 run: build
-	$(BUILD)/bin/ovrin-cli list $(BUILD)/bin/sample.iso
+	$(BUILD)/bin/ovrin $(BUILD)/bin/sample.iso
 
 # clang-format sees the C++ sources alone: it takes any other file for C++ too, and would
 # reflow the comments and names of the CMake files.

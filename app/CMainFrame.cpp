@@ -1,8 +1,13 @@
 #include "CMainFrame.h"
 
 #include "CDisplayScale.h"
+#include "CFileListView.h"
+#include "CFolderTreeView.h"
+#include "CImageReader.h"
 #include "COvCommandView.h"
 #include "CProgressDlg.h"
+#include "CTvgMessageBox.h"
+#include "CWindowMessage.h"
 #include "DevicePixels.h"
 #include "RegTypes.h"
 #include "ScalarReg.h"
@@ -11,8 +16,12 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QCursor>
+#include <QDir>
+#include <QFileInfo>
 #include <QMenu>
 #include <QSplitter>
+#include <QStorageInfo>
+#include <QTimerEvent>
 #include <QVBoxLayout>
 
 namespace {
@@ -41,6 +50,17 @@ IntReg PlacementValue(const char16_t* pName) {
                   false);
 }
 
+// The mount point that holds the path, found from its nearest folder that exists: the target
+// of a failed write may not exist yet.
+QString MountPointOf(const QString& path) {
+    QFileInfo info(path);
+    while (!info.exists() && !info.isRoot() && info.absolutePath() != info.absoluteFilePath()) {
+        info = QFileInfo(info.absolutePath());
+    }
+    const QStorageInfo storage(info.absoluteFilePath());
+    return storage.isValid() ? storage.rootPath() : QDir::rootPath();
+}
+
 constexpr const char16_t* kPlacementNames[] = {u"OvWnd_PosX", u"OvWnd_PosY", u"OvWnd_PosW",
                                                u"OvWnd_PosH", u"OvWnd_PosS"};
 
@@ -53,9 +73,17 @@ CMainFrame::CMainFrame(QWidget* pParent) : CGXTFrameWnd(pParent) {
     MakeProgressDialog();
     connect(qApp, &QApplication::focusChanged, this,
             [this](QWidget*, QWidget* pNow) { OnFocusChanged(pNow); });
+    if (g_pImageReader != nullptr) {
+        g_pImageReader->SetCallback(ImageReaderCallback, this);
+    }
 }
 
-CMainFrame::~CMainFrame() = default;
+// The reader may outlive the frame, and must not call into it then.
+CMainFrame::~CMainFrame() {
+    if (g_pImageReader != nullptr) {
+        g_pImageReader->SetCallback(nullptr, nullptr);
+    }
+}
 
 QWidget* CMainFrame::MakeClient() {
     const qreal dpr = DevicePixelRatioOf(this);
@@ -99,6 +127,141 @@ void CMainFrame::SetPanes(QWidget* pLeft, QWidget* pRight) {
     const int nTotal = ToLogical(kDefaultSize, dpr).width();
     m_pSplitter->setSizes({nLeft, nTotal - nLeft});
     m_pActivePane = pLeft;
+    m_pFolderTree = dynamic_cast<CFolderTreeView*>(pLeft);
+    m_pFileList = dynamic_cast<CFileListView*>(pRight);
+    if (m_pFolderTree != nullptr) {
+        m_pFolderTree->OnInitialUpdate();
+    }
+    if (m_pFileList != nullptr) {
+        m_pFileList->SetTreeView(m_pFolderTree);
+        m_pFileList->SetFrameCallback(ImageReaderCallback, this);
+    }
+}
+
+qmz::Result CMainFrame::OpenFile(const QString& path) {
+    return m_pFileList != nullptr ? m_pFileList->OpenImageFile(path) : qmz::kOk;
+}
+
+void CMainFrame::ImageReaderCallback(uint32_t nCode, const char16_t* pPayload, void* pFrame) {
+    const QString payload = pPayload != nullptr ? QString::fromUtf16(pPayload) : QString();
+    static_cast<CMainFrame*>(pFrame)->OnReaderNotice(nCode, payload);
+}
+
+void CMainFrame::OnReaderNotice(uint32_t nCode, const QString& payload) {
+    switch (nCode) {
+    case NOTIFY_COPY_BEGIN:
+        BeginJob(TvnFormat(tvn::kExtracting, payload), kTimerCopy);
+        break;
+    case NOTIFY_COPY_END:
+        EndJob(kTimerCopy);
+        break;
+    case NOTIFY_NO_ROOM:
+        ReportNoRoom(payload);
+        break;
+    case NOTIFY_OPEN_BEGIN:
+        BeginJob(TvnFormat(tvn::kOpening, payload), kTimerOpen);
+        break;
+    case NOTIFY_OPEN_END:
+        EndJob(kTimerOpen);
+        break;
+    case NOTIFY_WRITE_FAILED:
+        Report(TvnFormat(tvn::kWriteFailed, payload));
+        break;
+    case NOTIFY_READ_FAILED:
+        Report(TvnText(m_bExtractionMode ? tvn::kReadFailedView : tvn::kReadFailed));
+        break;
+    case NOTIFY_ACCESS_DENIED:
+        Report(TvnFormat(m_bExtractionMode ? tvn::kAccessDeniedView : tvn::kAccessDenied, payload));
+        break;
+    case NOTIFY_STOPPING:
+        m_pProgress->SetText(TvnText(tvn::kStopping));
+        break;
+    default:
+        break;
+    }
+}
+
+// The frame takes no input while the job runs; the dialog's stop button stays the one way to
+// end it early.
+void CMainFrame::BeginJob(const QString& text, int nTimer) {
+    m_pProgress->SetText(text);
+    setEnabled(false);
+    m_pProgress->setEnabled(true);
+    m_pProgress->move(geometry().center() - m_pProgress->rect().center());
+    m_pProgress->show();
+    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+    int& nTimerId = TimerSlot(nTimer);
+    if (nTimerId != 0) {
+        killTimer(nTimerId);
+    }
+    nTimerId = startTimer(kProgressPollMs);
+}
+
+void CMainFrame::EndJob(int nTimer) {
+    int& nTimerId = TimerSlot(nTimer);
+    if (nTimerId != 0) {
+        killTimer(nTimerId);
+        nTimerId = 0;
+    }
+    m_pProgress->hide();
+    setEnabled(true);
+    raise();
+    activateWindow();
+}
+
+// The report names the disk by its mount point, where a Windows message names a drive letter.
+void CMainFrame::ReportNoRoom(const QString& targetPath) {
+    const QString mountPoint = MountPointOf(targetPath);
+    if (m_bExtractionMode) {
+        Report(TvnFormat(tvn::kNoRoomToExtract, mountPoint));
+    } else {
+        Report(TvnFormat(tvn::kNoRoomForFile, QFileInfo(targetPath).fileName(), mountPoint));
+    }
+}
+
+// A box is a window of its own, so it takes the user's answer while a job keeps the frame
+// disabled.
+void CMainFrame::Report(const QString& text) {
+    ShowMessageBoxText(text, mb::kOk, tvn::kBoxTitle, this, QString::fromUtf16(kDefaultMessageIcon),
+                       false);
+}
+
+int& CMainFrame::TimerSlot(int nTimer) {
+    return nTimer == kTimerCopy ? m_nCopyTimer : m_nOpenTimer;
+}
+
+bool CMainFrame::IsTimerRunning(int nTimer) const {
+    return (nTimer == kTimerCopy ? m_nCopyTimer : m_nOpenTimer) != 0;
+}
+
+void CMainFrame::OnTimer(int nTimer) {
+    if (g_pImageReader == nullptr || m_pProgress == nullptr) {
+        return;
+    }
+    int32_t nPercent = 0;
+    g_pImageReader->GetProgress(nTimer == kTimerCopy ? PROGRESS_COPY : PROGRESS_OPEN, &nPercent);
+    m_pProgress->SetPos(nPercent);
+}
+
+void CMainFrame::timerEvent(QTimerEvent* pEvent) {
+    if (pEvent->timerId() == m_nCopyTimer) {
+        OnTimer(kTimerCopy);
+    } else if (pEvent->timerId() == m_nOpenTimer) {
+        OnTimer(kTimerOpen);
+    }
+    CGXTFrameWnd::timerEvent(pEvent);
+}
+
+// The progress dialog's stop button: the reader ends its job at its next pump.
+bool CMainFrame::event(QEvent* pEvent) {
+    if (pEvent->type() == CWindowMessage::TypeOf(wmProgressCancel)) {
+        if (g_pImageReader != nullptr) {
+            g_pImageReader->SetStop(
+                static_cast<int32_t>(static_cast<CWindowMessage*>(pEvent)->WParam()));
+        }
+        return true;
+    }
+    return CGXTFrameWnd::event(pEvent);
 }
 
 // The pane that last took the keyboard focus is the one the command route asks first.

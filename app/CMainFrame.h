@@ -4,9 +4,14 @@
 
 #include "CGXTFrameWnd.h"
 #include "ICommandTarget.h"
+#include "QmzTypes.h"
 
 #include <QRect>
+#include <QString>
+#include <cstdint>
 
+class CFileListView;
+class CFolderTreeView;
 class COvCommandView;
 class CProgressDlg;
 class QMenu;
@@ -34,6 +39,11 @@ public:
     static constexpr int kCommandDetails = 645;
     static constexpr int kCommandLargeIcons = 646;
 
+    // The frame's two timers, which poll the reader's progress while a job runs.
+    static constexpr int kTimerCopy = 1;
+    static constexpr int kTimerOpen = 2;
+    static constexpr int kProgressPollMs = 200;
+
     // Where the window stands, in device pixels; the normal rectangle when maximised.
     struct Placement {
         QRect rect;
@@ -43,8 +53,10 @@ public:
     explicit CMainFrame(QWidget* pParent = nullptr);
     ~CMainFrame() override;
 
+    // Takes the reader's notices (ImageReaderCallback) while the process-wide reader exists.
     // Puts the folder pane on the left and the file list on the right, in place of the panes
-    // there before; the frame owns them. The left one becomes the active pane.
+    // there before; the frame owns them. The left one becomes the active pane. A file list
+    // reports its jobs' ends to the frame and opens folders through a folder tree beside it.
     void SetPanes(QWidget* pLeft, QWidget* pRight);
     QWidget* LeftPane() const { return m_pLeftPane; }
     QWidget* RightPane() const { return m_pRightPane; }
@@ -62,12 +74,27 @@ public:
     // if the stored placement is incomplete.
     void ShowAtSavedPlacement();
 
+    // Opens the image through the file list: its result, or 0 without a file list.
+    qmz::Result OpenFile(const QString& path);
+
+    // The reader's and the file list's notices about their jobs; pFrame is the CMainFrame.
+    static void ImageReaderCallback(uint32_t nCode, const char16_t* pPayload, void* pFrame);
+    // Set by the file list while the user views a file rather than extracting it, which
+    // changes the words of the failure reports.
+    void SetExtractionMode(bool bViewing) { m_bExtractionMode = bViewing; }
+    bool ExtractionMode() const { return m_bExtractionMode; }
+    bool IsTimerRunning(int nTimer) const;
+    // Shows the reader's progress of the job that timer nTimer follows.
+    void OnTimer(int nTimer);
+
     // The active pane first, then the frame's own commands.
     bool OnCommand(int nId) override;
     bool OnUpdateCommand(int nId, CommandState& state) override;
 
 protected:
     void closeEvent(QCloseEvent* pEvent) override;
+    bool event(QEvent* pEvent) override;
+    void timerEvent(QTimerEvent* pEvent) override;
 
 private:
     QWidget* MakeClient();
@@ -76,12 +103,24 @@ private:
     static bool IsOwnCommand(int nId);
     bool OnOwnCommand(int nId);
     static ICommandTarget* TargetOf(QWidget* pPane);
+    void OnReaderNotice(uint32_t nCode, const QString& payload);
+    void BeginJob(const QString& text, int nTimer);
+    void EndJob(int nTimer);
+    void ReportNoRoom(const QString& targetPath);
+    void Report(const QString& text);
+    int& TimerSlot(int nTimer);
 
     COvCommandView* m_pCommandView = nullptr;
     QSplitter* m_pSplitter = nullptr;
     QWidget* m_pLeftPane = nullptr;
     QWidget* m_pRightPane = nullptr;
     QWidget* m_pActivePane = nullptr;
+    CFolderTreeView* m_pFolderTree = nullptr;
+    CFileListView* m_pFileList = nullptr;
     CProgressDlg* m_pProgress = nullptr;
     QMenu* m_pViewMenu = nullptr;
+    bool m_bExtractionMode = false;
+    // Qt's ids of the running timers, 0 while stopped.
+    int m_nCopyTimer = 0;
+    int m_nOpenTimer = 0;
 };

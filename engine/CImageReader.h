@@ -34,6 +34,7 @@ public:
     bool IsOpening() const { return m_progress.bOpening != 0; }
     int32_t GetProgress(int32_t query, int32_t* pPercent) const;
     void SetStop(int32_t bStop) { m_progress.bStop = bStop; }
+    int32_t GetStop() const { return m_progress.bStop; }
     bool IsCopying() const { return m_progress.bCopying != 0; }
     void SetCopyPercent(int32_t nPercent) { m_progress.nCopyPercent = nPercent; }
     void SetTotalBytes(uint64_t ullBytes) { m_progress.ullTotalBytes = ullBytes; }

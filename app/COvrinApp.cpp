@@ -1,0 +1,170 @@
+#include "COvrinApp.h"
+
+#include "CDisplayScale.h"
+#include "CFileListView.h"
+#include "CFolderTreeView.h"
+#include "CImageReader.h"
+#include "CLanguageChain.h"
+#include "CMainFrame.h"
+#include "COvrinDoc.h"
+#include "CTvgMessageBox.h"
+#include "SkinImages.h"
+#include "ToolkitHooks.h"
+#include "TvnText.h"
+
+#include <QApplication>
+#include <QFileInfo>
+#include <QFont>
+#include <QIcon>
+#include <QMessageBox>
+#include <cmath>
+#include <new>
+
+namespace {
+
+constexpr double kPointsPerInch = 72.0;
+
+// Lets the window redraw and take the stop button's click while the reader works.
+void PumpEvents(void*) {
+    QCoreApplication::processEvents();
+}
+
+} // namespace
+
+COvrinApp::COvrinApp(QStringList arguments, Setup setup)
+    : m_lstArguments(std::move(arguments)), m_setup(std::move(setup)) {
+    if (m_setup.programFolder.isEmpty()) {
+        m_setup.programFolder = CLanguageChain::ExecutableFolder();
+    }
+}
+
+COvrinApp::~COvrinApp() = default;
+
+int COvrinApp::Run() {
+    int nResult = 0;
+    if (InitInstance()) {
+        nResult = QApplication::exec();
+    }
+    ExitInstance();
+    return nResult;
+}
+
+bool COvrinApp::InitInstance() {
+    // Every relative picture path, the message box's icon included, is the program folder's.
+    SetInstallFolder(m_setup.programFolder);
+    if (!LoadLanguage()) {
+        return false;
+    }
+    ParseCommandLine();
+    if (!PassGuards()) {
+        return false;
+    }
+    m_pDocument = std::make_unique<COvrinDoc>();
+    BuildGlobalFont();
+    CreateImageReader();
+    CreateFrame();
+    return OpenFileOnStart();
+}
+
+// No language table means no words for a skinned box, so the system's own box tells.
+bool COvrinApp::LoadLanguage() {
+    m_pLanguage = std::make_unique<CLanguageChain>(m_setup.programFolder);
+    QString pathTried;
+    m_bTableLoaded = m_pLanguage->LoadStringTable(m_pLanguage->LoadTransfer(), m_table, pathTried);
+    if (!m_bTableLoaded) {
+        QMessageBox::critical(
+            nullptr, QString(),
+            QStringLiteral("The file [%1] is missing.\nPlease reinstall application.")
+                .arg(pathTried));
+        m_pLanguage->UnloadTransfer();
+        return false;
+    }
+    SetCurrentStringTable(&m_table);
+    return true;
+}
+
+// A name that does not exist is dropped without a word: the start goes on as one without it.
+// The name is made absolute at once, as the working folder does not stay the one the user
+// started in.
+void COvrinApp::ParseCommandLine() {
+    const QString name = m_lstArguments.value(1);
+    if (!name.isEmpty() && QFileInfo::exists(name)) {
+        m_strFileToOpen = QFileInfo(name).absoluteFilePath();
+    }
+}
+
+// The checks against a second start of the program or of its siblings come with the instance
+// guard; until then every start goes on.
+bool COvrinApp::PassGuards() const {
+    return true;
+}
+
+// The toolkit's font keeps its height in device pixels at any DPI, as the skin's pictures do,
+// and grows only with the interface scale. Qt sizes fonts in logical pixels, which the device
+// pixel ratio turns into device pixels.
+void COvrinApp::BuildGlobalFont() {
+    QFont font = QApplication::font();
+    const double dRatio = qApp->devicePixelRatio();
+    const double dLogical = font.pixelSize() > 0
+                                ? font.pixelSize()
+                                : font.pointSizeF() * ScreenDeviceDpi() / dRatio / kPointsPerInch;
+    const int nDevice =
+        static_cast<int>(std::floor(dLogical * dRatio / GetDpiScale(false) * GetUiScale()));
+    const int nLogical = qRound(nDevice / dRatio);
+    if (nLogical > 0) {
+        font.setPixelSize(nLogical);
+        QApplication::setFont(font);
+    }
+}
+
+// Without memory for the reader the window still comes up; every user tests the pointer.
+void COvrinApp::CreateImageReader() {
+    m_pReader.reset(new (std::nothrow) CImageReader(m_setup.enginePath));
+    g_pImageReader = m_pReader.get();
+    if (g_pImageReader != nullptr) {
+        g_pImageReader->SetPump(PumpEvents, nullptr);
+    }
+}
+
+void COvrinApp::CreateFrame() {
+    m_pFrame = std::make_unique<CMainFrame>();
+    m_pFrame->SetPanes(new CFolderTreeView(m_pDocument.get()),
+                       new CFileListView(m_pDocument.get()));
+    m_pFrame->setWindowTitle(TvnText(tvn::kAppTitle));
+    SetMainWindowForText(m_pFrame.get());
+    m_pFrame->ShowAtSavedPlacement();
+    // The program's own icon, from the desktop's icon theme where the install put it.
+    QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("ovrin")));
+}
+
+// A failed open never ends the program; a stop by the user is not a failure to tell.
+bool COvrinApp::OpenFileOnStart() {
+    if (m_strFileToOpen.isEmpty() || !QFileInfo::exists(m_strFileToOpen)) {
+        return true;
+    }
+    const qmz::Result hr = m_pFrame->OpenFile(m_strFileToOpen);
+    if (hr < 0 && hr != qmz::kStopped) {
+        ShowMessageBox(tvn::kOpenFailed, mb::kOk, tvn::kBoxTitle, m_pFrame.get(),
+                       QString::fromUtf16(kDefaultMessageIcon), false);
+    }
+    return true;
+}
+
+// The window goes first, with the panes that read the document, as the window system closes
+// it before the program ends; the reader then goes before the language it reports in.
+int COvrinApp::ExitInstance() {
+    SetMainWindowForText(nullptr);
+    m_pFrame.reset();
+    m_pDocument.reset();
+    SetInstallFolder(QString());
+    g_pImageReader = nullptr;
+    m_pReader.reset();
+    if (m_pLanguage != nullptr) {
+        m_pLanguage->UnloadTransfer();
+    }
+    if (m_bTableLoaded) {
+        SetCurrentStringTable(nullptr);
+        m_bTableLoaded = false;
+    }
+    return 0;
+}
