@@ -2,6 +2,7 @@
 
 #include "CDisplayScale.h"
 #include "CFileListView.h"
+#include "CFileTypeCache.h"
 #include "CFolderTreeView.h"
 #include "CImageReader.h"
 #include "CLanguageChain.h"
@@ -119,6 +120,8 @@ void COvrinApp::BuildGlobalFont() {
 
 // Without memory for the reader the window still comes up; every user tests the pointer.
 void COvrinApp::CreateImageReader() {
+    // Every node the walk makes asks the one type service for its type text and icons.
+    CFileTypeCache::InstallForDataItems();
     m_pReader.reset(new (std::nothrow) CImageReader(m_setup.enginePath));
     g_pImageReader = m_pReader.get();
     if (g_pImageReader != nullptr) {

@@ -134,6 +134,10 @@ TEST(AppStart, AnImageOnTheCommandLineIsShownAndWalkedInto) {
     CFileListView& list = ListOf(app);
     EXPECT_EQ(tree.TreeCtrl().topLevelItem(0)->text(0), u"MADE"_s);
     ASSERT_EQ(Rows(list), (QStringList{u"docs"_s, u"top.txt"_s}));
+    // Types come from the desktop's file types: a folder is one, a .txt file is text.
+    const QAbstractItemModel* pModel = list.ListCtrl().ReportView()->model();
+    EXPECT_FALSE(pModel->index(0, 2).data().toString().isEmpty());
+    EXPECT_TRUE(pModel->index(1, 2).data().toString().contains(u"text"_s, Qt::CaseInsensitive));
 
     QTreeView* pReport = list.ListCtrl().ReportView();
     const QPoint at = pReport->visualRect(pReport->model()->index(0, 0)).center();
