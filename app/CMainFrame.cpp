@@ -71,8 +71,8 @@ CMainFrame::CMainFrame(QWidget* pParent) : CGXTFrameWnd(pParent) {
     setMinimumWidth(ToLogical(QSize(Scaled(kMinTrackWidth), 0), dpr).width());
     SetClient(MakeClient());
     MakeProgressDialog();
-    connect(qApp, &QApplication::focusChanged, this,
-            [this](QWidget*, QWidget* pNow) { OnFocusChanged(pNow); });
+    m_focusWatch = connect(qApp, &QApplication::focusChanged, this,
+                           [this](QWidget*, QWidget* pNow) { OnFocusChanged(pNow); });
     if (g_pImageReader != nullptr) {
         g_pImageReader->SetCallback(ImageReaderCallback, this);
     }
@@ -80,6 +80,7 @@ CMainFrame::CMainFrame(QWidget* pParent) : CGXTFrameWnd(pParent) {
 
 // The reader may outlive the frame, and must not call into it then.
 CMainFrame::~CMainFrame() {
+    disconnect(m_focusWatch);
     if (g_pImageReader != nullptr) {
         g_pImageReader->SetCallback(nullptr, nullptr);
     }

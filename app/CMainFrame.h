@@ -6,6 +6,7 @@
 #include "ICommandTarget.h"
 #include "QmzTypes.h"
 
+#include <QMetaObject>
 #include <QRect>
 #include <QString>
 #include <cstdint>
@@ -123,4 +124,6 @@ private:
     // Qt's ids of the running timers, 0 while stopped.
     int m_nCopyTimer = 0;
     int m_nOpenTimer = 0;
+    // Ended first thing in the destructor: the panes dying after it move the focus.
+    QMetaObject::Connection m_focusWatch;
 };
