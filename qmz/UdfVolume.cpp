@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <initializer_list>
 #include <memory>
 
 #include "EntryName.h"
@@ -87,42 +88,31 @@ UdfAddress LongAdAddress(const uint8_t* p) {
 
 bool UdfVolume::Probe(SectorSource& source) {
     UdfVolume volume(source);
-    uint64_t lba = 0;
-    uint32_t bytes = 0;
-    return volume.FindAnchor(&lba, &bytes, &lba, &bytes);
+    Anchor anchor{};
+    return std::ranges::any_of(kUdfBlockSizes,
+                               [&](uint32_t size) { return volume.FindAnchor(size, &anchor); });
 }
 
-bool UdfVolume::ReadAnchor(uint64_t lba, uint32_t* mainBytes, uint64_t* mainLba,
-                           uint32_t* reserveBytes, uint64_t* reserveLba) {
+bool UdfVolume::ReadAnchor(uint64_t lba, Anchor* anchor) {
     UdfBlockBuffer scratch;
     const uint8_t* d = nullptr;
     if (lba >= blockCount_ || lba < kAnchorLba || ViewPhysical(lba, scratch, &d) != kOk ||
         !UdfTag::Check(d, blockSize_, kTagAnchor, static_cast<uint32_t>(lba))) {
         return false;
     }
-    *mainBytes = Le32(d + kAnchorMainOffset);
-    *mainLba = Le32(d + kAnchorMainOffset + 4);
-    *reserveBytes = Le32(d + kAnchorReserveOffset);
-    *reserveLba = Le32(d + kAnchorReserveOffset + 4);
+    *anchor = {Le32(d + kAnchorMainOffset + 4), Le32(d + kAnchorMainOffset),
+               Le32(d + kAnchorReserveOffset + 4), Le32(d + kAnchorReserveOffset)};
     return true;
 }
 
-bool UdfVolume::FindAnchor(uint64_t* mainLba, uint32_t* mainBytes, uint64_t* reserveLba,
-                           uint32_t* reserveBytes) {
-    // ECMA-167 3/8.4.2: the block size is the one at which an anchor stands where it says it
-    // does; its tag's location rules out a block size that merely lands on another's anchor.
-    uint64_t imageBytes = source_.SectorCount() * kSectorSize;
-    for (uint32_t size : kUdfBlockSizes) {
-        blockSize_ = size;
-        blockCount_ = imageBytes / size;
-        uint64_t n = blockCount_;
-        for (uint64_t lba : {kAnchorLba, n - kAnchorLba, n - 1}) {
-            if (ReadAnchor(lba, mainBytes, mainLba, reserveBytes, reserveLba)) {
-                return true;
-            }
-        }
-    }
-    return false;
+bool UdfVolume::FindAnchor(uint32_t blockSize, Anchor* anchor) {
+    // ECMA-167 3/8.4.2: at the volume's block size an anchor stands where its tag says it
+    // does; the tag's location rules out a block size that merely lands on another's anchor.
+    blockSize_ = blockSize;
+    blockCount_ = source_.SectorCount() * kSectorSize / blockSize;
+    uint64_t n = blockCount_;
+    return std::ranges::any_of(std::initializer_list<uint64_t>{kAnchorLba, n - kAnchorLba, n - 1},
+                               [&](uint64_t lba) { return ReadAnchor(lba, anchor); });
 }
 
 Result UdfVolume::ViewPhysical(uint64_t physical, UdfBlockBuffer& scratch,
@@ -411,18 +401,23 @@ Result UdfVolume::ReadFileSet(UdfAddress where) {
 }
 
 Result UdfVolume::Open() {
-    uint64_t mainLba = 0;
-    uint64_t reserveLba = 0;
-    uint32_t mainBytes = 0;
-    uint32_t reserveBytes = 0;
-    if (!FindAnchor(&mainLba, &mainBytes, &reserveLba, &reserveBytes)) {
-        return kEngineBadImage;
+    Result r = kEngineBadImage;
+    Anchor anchor{};
+    // An anchor that checks out at a wrong block size leads nowhere; the right one still reads.
+    for (uint32_t size : kUdfBlockSizes) {
+        if (FindAnchor(size, &anchor) && (r = ReadVolume(anchor)) == kOk) {
+            return kOk;
+        }
     }
+    return r;
+}
+
+Result UdfVolume::ReadVolume(const Anchor& anchor) {
     auto sequence = std::make_unique<Sequence>();
-    ReadSequence(mainLba, mainBytes, sequence.get());
+    ReadSequence(anchor.mainLba, anchor.mainBytes, sequence.get());
     if (!sequence->haveLogical || sequence->partitions.empty()) {
         sequence = std::make_unique<Sequence>();
-        ReadSequence(reserveLba, reserveBytes, sequence.get());
+        ReadSequence(anchor.reserveLba, anchor.reserveBytes, sequence.get());
     }
     if (!sequence->haveLogical) {
         return kEngineBadImage;

@@ -25,8 +25,8 @@ public:
     // True when an anchor volume descriptor pointer stands at one of its three places, for one
     // of the block sizes.
     static bool Probe(SectorSource& source);
-    // Reads the descriptors down to the file set. kEngineBadImage when there is no usable
-    // logical volume, partition or file set.
+    // Reads the descriptors down to the file set, at the first block size whose anchor leads
+    // to one. kEngineBadImage when there is no usable logical volume, partition or file set.
     Result Open();
 
     // The volume block of block `where`; `*run` blocks from there, at least 1 and at most
@@ -90,10 +90,17 @@ private:
         std::vector<PartitionDescriptor> partitions;
     };
 
-    bool FindAnchor(uint64_t* mainLba, uint32_t* mainBytes, uint64_t* reserveLba,
-                    uint32_t* reserveBytes);
-    bool ReadAnchor(uint64_t lba, uint32_t* mainBytes, uint64_t* mainLba, uint32_t* reserveBytes,
-                    uint64_t* reserveLba);
+    // ECMA-167 3/10.2: the extents of the main and reserve volume descriptor sequences.
+    struct Anchor {
+        uint64_t mainLba;
+        uint32_t mainBytes;
+        uint64_t reserveLba;
+        uint32_t reserveBytes;
+    };
+
+    bool FindAnchor(uint32_t blockSize, Anchor* anchor);
+    bool ReadAnchor(uint64_t lba, Anchor* anchor);
+    Result ReadVolume(const Anchor& anchor);
     Result ViewPhysical(uint64_t physical, UdfBlockBuffer& scratch, const uint8_t** data) const;
     Result CopyPhysical(uint64_t physical, void* dst, size_t length) const;
     void ReadSequence(uint64_t lba, uint32_t bytes, Sequence* sequence);
