@@ -27,6 +27,8 @@ if [ ! -f "$seeds/.made" ]; then
     genisoimage -quiet -no-pad -input-charset utf-8 -udf -o "$seeds/udf-bridge.iso" "$work/src"
     dd if=/dev/zero of="$seeds/udf-201.img" bs=2048 count=300 status=none
     mkudffs --media-type=hd --udfrev=0x0201 -b 2048 "$seeds/udf-201.img" >/dev/null
+    dd if=/dev/zero of="$seeds/udf-512.img" bs=512 count=600 status=none
+    mkudffs --media-type=hd --udfrev=0x0201 -b 512 "$seeds/udf-512.img" >/dev/null
     for kind in mode1 mode2form1 mode2 subchannel nero-daox nero-etnf; do
         "$convert" "$kind" "$seeds/rr-joliet.iso" "$seeds/rr-joliet-$kind.img"
     done

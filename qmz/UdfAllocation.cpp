@@ -70,16 +70,17 @@ bool UdfAllocation::ReadContinuation(UdfExtent* next, UdfAdForm form, std::vecto
     UdfAddress where = next->where;
     next->length = 0;
     const uint8_t* d = nullptr;
-    uint64_t sector = 0;
+    uint64_t physical = 0;
+    uint32_t blockSize = volume_.BlockSize();
     if (chain_.size() == kMaxContinuations ||
-        volume_.ViewBlock(where, scratch_, &d, &sector) != kOk ||
-        std::find(chain_.begin(), chain_.end(), sector) != chain_.end() ||
-        !UdfTag::Check(d, kSectorSize, kTagAllocationExtent, where.block)) {
+        volume_.ViewBlock(where, scratch_, &d, &physical) != kOk ||
+        std::find(chain_.begin(), chain_.end(), physical) != chain_.end() ||
+        !UdfTag::Check(d, blockSize, kTagAllocationExtent, where.block)) {
         return false;
     }
-    chain_.push_back(sector);
+    chain_.push_back(physical);
     uint32_t length = Le32(d + kAedLengthOffset);
-    if (length > kSectorSize - kAedHeader) {
+    if (length > blockSize - kAedHeader) {
         return false;
     }
     ParseRun(d + kAedHeader, length, form, where.partition, out, next);

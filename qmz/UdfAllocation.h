@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <vector>
 
-#include "SectorSource.h"
 #include "UdfFileEntry.h"
 
 namespace qmz {
@@ -45,8 +44,8 @@ private:
     bool ReadContinuation(UdfExtent* next, UdfAdForm form, std::vector<UdfExtent>* out);
 
     UdfVolume& volume_;
-    SectorBuffer scratch_;
-    std::vector<uint64_t> chain_; // sectors of the continuations read for the current entry
+    UdfBlockBuffer scratch_;
+    std::vector<uint64_t> chain_; // blocks of the continuations read for the current entry
 };
 
 } // namespace qmz

@@ -2,7 +2,6 @@
 #include "ByteOrder.h"
 
 #include "IsoDate.h"
-#include "SectorSource.h"
 #include "UdfTag.h"
 
 namespace qmz {
@@ -63,11 +62,11 @@ bool UdfFileEntry::ParseIcbTag(const uint8_t* icbTag) {
     return adForm_ <= UdfAdForm::kEmbedded;
 }
 
-bool UdfFileEntry::Parse(const uint8_t* block, uint32_t location) {
+bool UdfFileEntry::Parse(const uint8_t* block, uint32_t blockSize, uint32_t location) {
     const Layout* layout = nullptr;
-    if (UdfTag::Check(block, kSectorSize, kTagFileEntry, location)) {
+    if (UdfTag::Check(block, blockSize, kTagFileEntry, location)) {
         layout = &kFileEntry;
-    } else if (UdfTag::Check(block, kSectorSize, kTagExtendedFileEntry, location)) {
+    } else if (UdfTag::Check(block, blockSize, kTagExtendedFileEntry, location)) {
         layout = &kExtendedFileEntry;
     } else {
         return false;
@@ -77,7 +76,7 @@ bool UdfFileEntry::Parse(const uint8_t* block, uint32_t location) {
     }
     uint64_t eaLength = Le32(block + layout->eaLength);
     uint64_t adLength = Le32(block + layout->eaLength + 4);
-    if (layout->fixedPart + eaLength + adLength > kSectorSize) {
+    if (layout->fixedPart + eaLength + adLength > blockSize) {
         return false;
     }
     adOffset_ = static_cast<uint32_t>(layout->fixedPart + eaLength);

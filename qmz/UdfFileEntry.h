@@ -6,6 +6,16 @@
 
 namespace qmz {
 
+// ECMA-167 3/8.4.2 leaves the logical block size to the medium: 2048 bytes on optical discs,
+// the device's sector size (512, 1024 or 4096 bytes) on hard disks and memory cards.
+inline constexpr uint32_t kUdfBlockSizes[] = {512, 1024, 2048, 4096};
+inline constexpr uint32_t kUdfMaxBlockSize = 4096;
+
+// Room for one logical block where it cannot be viewed in place in the image.
+struct UdfBlockBuffer {
+    uint8_t bytes[kUdfMaxBlockSize];
+};
+
 // ECMA-167 4/7.1 lb_addr: a block within a partition, named by its partition map's index.
 struct UdfAddress {
     uint32_t block;
@@ -26,10 +36,10 @@ enum UdfFileType : uint8_t {
 
 class UdfFileEntry {
 public:
-    // Parses the entry in `block` (a logical block of 2048 bytes) recorded at `location`
+    // Parses the entry in `block` (a logical block of `blockSize` bytes) recorded at `location`
     // within its partition; false when it is neither kind of entry, its tag fails, or its
     // fields overrun the block.
-    bool Parse(const uint8_t* block, uint32_t location);
+    bool Parse(const uint8_t* block, uint32_t blockSize, uint32_t location);
 
     uint8_t FileType() const { return fileType_; }
     uint64_t InformationLength() const { return informationLength_; }

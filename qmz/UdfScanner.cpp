@@ -44,9 +44,9 @@ UdfAddress UdfScanner::HandleAddress(const Extent& handle) {
     return {static_cast<uint32_t>(handle.lba), static_cast<uint16_t>(handle.lba >> 32)};
 }
 
-bool UdfScanner::MarkVisited(uint64_t sector) {
-    uint64_t bit = uint64_t{1} << (sector % 64);
-    uint64_t& word = visited_[sector / 64];
+bool UdfScanner::MarkVisited(uint64_t physical) {
+    uint64_t bit = uint64_t{1} << (physical % 64);
+    uint64_t& word = visited_[physical / 64];
     if ((word & bit) != 0) {
         return false;
     }
@@ -55,13 +55,13 @@ bool UdfScanner::MarkVisited(uint64_t sector) {
 }
 
 bool UdfScanner::ReadIcb(UdfAddress where, Icb* icb) {
-    return volume_.ViewBlock(where, scratch_, &icb->block, &icb->sector) == kOk &&
-           icb->entry.Parse(icb->block, where.block);
+    return volume_.ViewBlock(where, scratch_, &icb->block, &icb->physical) == kOk &&
+           icb->entry.Parse(icb->block, volume_.BlockSize(), where.block);
 }
 
 Result UdfScanner::Run(VolumeIndex& index) {
     uint64_t sectors = source_.SectorCount();
-    visited_.assign((sectors + 63) / 64, 0);
+    visited_.assign((volume_.BlockCount() + 63) / 64, 0);
     nameBudget_ = std::max(kMinNameBudgetUnits, sectors * kSectorSize);
     extentBudget_ = std::max(kMinExtentBudget, sectors * kExtentsPerSector);
     entryBudget_ = std::max(kMinEntryBudget, sectors * kSectorSize / kFidFixedPart);
@@ -70,7 +70,7 @@ Result UdfScanner::Run(VolumeIndex& index) {
     if (!ReadIcb(volume_.RootIcb(), &root) || root.entry.FileType() != kUdfTypeDirectory) {
         return kEngineDiscCorrupt;
     }
-    MarkVisited(root.sector);
+    MarkVisited(root.physical);
     index.AddRoot(FolderHandle(volume_.RootIcb()), root.entry.ModificationTime(),
                   root.entry.TimeValid());
 
@@ -146,7 +146,7 @@ void UdfScanner::AddChild(VolumeIndex& index, const uint8_t* fid) {
                                         (child.entry.TimeValid() ? kEntryTimeValid : 0));
     if (!isDirectory) {
         AddFileExtents(index, child, where, &entry);
-    } else if (MarkVisited(child.sector)) {
+    } else if (MarkVisited(child.physical)) {
         AddExtent(index, FolderHandle(where), &entry);
     } else {
         damaged_ = true; // a loop, or a second name for a folder: listed, not walked again
@@ -162,7 +162,8 @@ void UdfScanner::AddFileExtents(VolumeIndex& index, const Icb& file, UdfAddress 
     if (file.entry.AdForm() == UdfAdForm::kEmbedded) {
         entry->size = std::min<uint64_t>(size, file.entry.AdLength());
         if (entry->size > 0) {
-            AddExtent(index, {file.sector, entry->size, file.entry.AdOffset(), false}, entry);
+            AddExtent(index, volume_.BlockExtent(file.physical, entry->size, file.entry.AdOffset()),
+                      entry);
         }
         return;
     }
@@ -192,14 +193,15 @@ uint64_t UdfScanner::AddRecorded(VolumeIndex& index, UdfAddress at, uint64_t byt
                                  IndexEntry* entry) {
     uint64_t done = 0;
     while (done < bytes && !full_) {
-        uint64_t sector = 0;
+        uint64_t physical = 0;
         uint32_t run = 0;
-        auto blocks = static_cast<uint32_t>((bytes - done + kSectorSize - 1) / kSectorSize);
-        if (!volume_.MapBlock(at, blocks, &sector, &run)) {
+        uint32_t blockSize = volume_.BlockSize();
+        auto blocks = static_cast<uint32_t>((bytes - done + blockSize - 1) / blockSize);
+        if (!volume_.MapBlock(at, blocks, &physical, &run)) {
             break;
         }
-        uint64_t piece = std::min<uint64_t>(bytes - done, uint64_t{run} * kSectorSize);
-        AddExtent(index, {sector, piece}, entry);
+        uint64_t piece = std::min<uint64_t>(bytes - done, uint64_t{run} * blockSize);
+        AddExtent(index, volume_.BlockExtent(physical, piece), entry);
         done += piece;
         at.block += run;
     }

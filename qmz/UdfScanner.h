@@ -24,11 +24,11 @@ public:
     Result Run(VolumeIndex& index) override;
 
 private:
-    // A file entry read from the image; `block` views its sector until the next read.
+    // A file entry read from the image; `block` views its block until the next read.
     struct Icb {
         UdfFileEntry entry;
         const uint8_t* block;
-        uint64_t sector;
+        uint64_t physical;
     };
 
     bool ReadIcb(UdfAddress where, Icb* icb);
@@ -38,7 +38,7 @@ private:
     void AddFileExtents(VolumeIndex& index, const Icb& file, UdfAddress where, IndexEntry* entry);
     uint64_t AddRecorded(VolumeIndex& index, UdfAddress at, uint64_t bytes, IndexEntry* entry);
     void AddExtent(VolumeIndex& index, const Extent& extent, IndexEntry* entry);
-    bool MarkVisited(uint64_t sector);
+    bool MarkVisited(uint64_t physical);
     // A folder's one extent in the index names its ICB, which ScanFolder reads again.
     static Extent FolderHandle(UdfAddress where);
     static UdfAddress HandleAddress(const Extent& handle);
@@ -47,10 +47,10 @@ private:
     SectorSource& source_;
     UdfAllocation allocation_;
     EntryName name_;
-    SectorBuffer scratch_;
+    UdfBlockBuffer scratch_;
     std::vector<uint8_t> directory_;
     std::vector<UdfExtent> extents_;
-    std::vector<uint64_t> visited_; // one bit per sector: folder ICBs already taken
+    std::vector<uint64_t> visited_; // one bit per block: folder ICBs already taken
     uint64_t nameBudget_ = 0;
     uint64_t extentBudget_ = 0;
     uint64_t entryBudget_ = 0;

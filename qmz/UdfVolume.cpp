@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <initializer_list>
 #include <memory>
 
 #include "EntryName.h"
@@ -18,7 +19,7 @@ constexpr uint32_t kAnchorMainOffset = 16;
 constexpr uint32_t kAnchorReserveOffset = 24;
 // A sequence holds a handful of descriptors; ones longer than this, or pointing on more often,
 // are cut there.
-constexpr uint32_t kMaxSequenceSectors = 256;
+constexpr uint32_t kMaxSequenceBlocks = 256;
 constexpr uint32_t kMaxSequencePointers = 8;
 constexpr size_t kMaxPartitions = 16;
 constexpr uint32_t kSequenceNumberOffset = 16;
@@ -61,9 +62,9 @@ constexpr uint32_t kSparingEntriesOffset = 56;
 constexpr uint32_t kSparingEntryBytes = 8;
 constexpr uint32_t kSparingAvailable = 0xFFFFFFF0; // this and above: no packet mapped
 
-// OSTA UDF 2.60 2.2.11: the VAT lies in the last written sectors; 1.50 ends it with a
+// OSTA UDF 2.60 2.2.11: the VAT lies in the last written blocks; 1.50 ends it with a
 // 36-byte trailer, 2.00 and later begin it with a header.
-constexpr uint64_t kVatSearchSectors = 32;
+constexpr uint64_t kVatSearchBlocks = 32;
 constexpr uint32_t kVat150TrailerBytes = 36;
 constexpr uint32_t kVatHeaderMinimum = 152;
 constexpr uint32_t kVatUnused = 0xFFFFFFFF;
@@ -87,29 +88,50 @@ UdfAddress LongAdAddress(const uint8_t* p) {
 
 bool UdfVolume::Probe(SectorSource& source) {
     UdfVolume volume(source);
-    uint64_t lba = 0;
-    uint32_t bytes = 0;
-    return volume.FindAnchor(&lba, &bytes, &lba, &bytes);
+    Anchor anchor{};
+    return std::ranges::any_of(kUdfBlockSizes,
+                               [&](uint32_t size) { return volume.FindAnchor(size, &anchor); });
 }
 
-bool UdfVolume::FindAnchor(uint64_t* mainLba, uint32_t* mainBytes, uint64_t* reserveLba,
-                           uint32_t* reserveBytes) {
-    uint64_t n = source_.SectorCount();
-    const uint64_t places[] = {kAnchorLba, n - kAnchorLba, n - 1};
-    SectorBuffer scratch;
-    for (uint64_t lba : places) {
-        const uint8_t* d = nullptr;
-        if (lba >= n || lba < kAnchorLba || source_.ViewSector(lba, scratch, &d) != kOk ||
-            !UdfTag::Check(d, kSectorSize, kTagAnchor, static_cast<uint32_t>(lba))) {
-            continue;
-        }
-        *mainBytes = Le32(d + kAnchorMainOffset);
-        *mainLba = Le32(d + kAnchorMainOffset + 4);
-        *reserveBytes = Le32(d + kAnchorReserveOffset);
-        *reserveLba = Le32(d + kAnchorReserveOffset + 4);
-        return true;
+bool UdfVolume::ReadAnchor(uint64_t lba, Anchor* anchor) {
+    UdfBlockBuffer scratch;
+    const uint8_t* d = nullptr;
+    if (lba >= blockCount_ || lba < kAnchorLba || ViewPhysical(lba, scratch, &d) != kOk ||
+        !UdfTag::Check(d, blockSize_, kTagAnchor, static_cast<uint32_t>(lba))) {
+        return false;
     }
-    return false;
+    *anchor = {Le32(d + kAnchorMainOffset + 4), Le32(d + kAnchorMainOffset),
+               Le32(d + kAnchorReserveOffset + 4), Le32(d + kAnchorReserveOffset)};
+    return true;
+}
+
+bool UdfVolume::FindAnchor(uint32_t blockSize, Anchor* anchor) {
+    // ECMA-167 3/8.4.2: at the volume's block size an anchor stands where its tag says it
+    // does; the tag's location rules out a block size that merely lands on another's anchor.
+    blockSize_ = blockSize;
+    blockCount_ = source_.SectorCount() * kSectorSize / blockSize;
+    uint64_t n = blockCount_;
+    return std::ranges::any_of(std::initializer_list<uint64_t>{kAnchorLba, n - kAnchorLba, n - 1},
+                               [&](uint64_t lba) { return ReadAnchor(lba, anchor); });
+}
+
+Result UdfVolume::ViewPhysical(uint64_t physical, UdfBlockBuffer& scratch,
+                               const uint8_t** data) const {
+    *data = scratch.bytes;
+    return CopyPhysical(physical, scratch.bytes, blockSize_);
+}
+
+Result UdfVolume::CopyPhysical(uint64_t physical, void* dst, size_t length) const {
+    if (physical >= blockCount_ || length > (blockCount_ - physical) * blockSize_) {
+        return kEngineReadFailed;
+    }
+    uint64_t byte = physical * blockSize_;
+    return source_.CopyBytes(byte / kSectorSize, byte % kSectorSize, dst, length);
+}
+
+Extent UdfVolume::BlockExtent(uint64_t physical, uint64_t length, uint32_t offset) const {
+    uint64_t byte = physical * blockSize_;
+    return {byte / kSectorSize, length, static_cast<uint32_t>(byte % kSectorSize) + offset};
 }
 
 void UdfVolume::ReadPartitionDescriptor(const uint8_t* d, Sequence* sequence) {
@@ -128,18 +150,17 @@ void UdfVolume::ReadPartitionDescriptor(const uint8_t* d, Sequence* sequence) {
 }
 
 void UdfVolume::ReadSequence(uint64_t lba, uint32_t bytes, Sequence* sequence) {
-    SectorBuffer scratch;
+    UdfBlockBuffer scratch;
     uint32_t pointers = 0;
-    uint32_t sectors = std::min(bytes / kSectorSize, kMaxSequenceSectors);
-    for (uint32_t i = 0; i < sectors; ++i) {
+    uint32_t blocks = std::min(bytes / blockSize_, kMaxSequenceBlocks);
+    for (uint32_t i = 0; i < blocks; ++i) {
         const uint8_t* d = nullptr;
         uint64_t at = lba + i;
-        if (at > UINT32_MAX || source_.ViewSector(at, scratch, &d) != kOk) {
+        if (at > UINT32_MAX || ViewPhysical(at, scratch, &d) != kOk) {
             return;
         }
         uint16_t id = UdfTag::Id(d);
-        if (!UdfTag::Check(d, kSectorSize, id, static_cast<uint32_t>(at)) ||
-            id == kTagTerminating) {
+        if (!UdfTag::Check(d, blockSize_, id, static_cast<uint32_t>(at)) || id == kTagTerminating) {
             return;
         }
         if (id == kTagPartition) {
@@ -149,10 +170,10 @@ void UdfVolume::ReadSequence(uint64_t lba, uint32_t bytes, Sequence* sequence) {
                     Le32(d + kSequenceNumberOffset) >= sequence->logicalNumber)) {
             sequence->haveLogical = true;
             sequence->logicalNumber = Le32(d + kSequenceNumberOffset);
-            std::memcpy(sequence->logical.bytes, d, kSectorSize);
+            std::memcpy(sequence->logical.bytes, d, blockSize_);
         } else if (id == kTagVolumePointer && ++pointers <= kMaxSequencePointers) {
             // 3/10.3: the sequence goes on in another extent.
-            sectors = std::min(Le32(d + kPointerExtentOffset) / kSectorSize, kMaxSequenceSectors);
+            blocks = std::min(Le32(d + kPointerExtentOffset) / blockSize_, kMaxSequenceBlocks);
             lba = Le32(d + kPointerExtentOffset + 4);
             i = UINT32_MAX; // the loop's increment makes it 0
         }
@@ -194,13 +215,14 @@ bool UdfVolume::ReadPartitionMap(const uint8_t* map, uint32_t length) {
 
 Result UdfVolume::ReadLogicalVolume(const Sequence& sequence) {
     const uint8_t* d = sequence.logical.bytes;
-    // Images hold 2048-byte sectors, and every optical UDF volume has blocks of that size.
-    if (Le32(d + kBlockSizeOffset) != kSectorSize) {
-        return kEngineUnsupportedFs;
+    // A volume whose descriptors disagree with the anchor on the block size cannot be read
+    // at either size.
+    if (Le32(d + kBlockSizeOffset) != blockSize_) {
+        return kEngineBadImage;
     }
     uint32_t tableLength = Le32(d + kMapTableLengthOffset);
     uint32_t count = Le32(d + kMapCountOffset);
-    if (tableLength > kSectorSize - kMapsOffset || count > kMaxPartitionMaps) {
+    if (tableLength > blockSize_ - kMapsOffset || count > kMaxPartitionMaps) {
         return kEngineBadImage;
     }
     maps_.clear();
@@ -258,12 +280,11 @@ bool UdfVolume::LoadSparingTable(Partition& p) {
     for (uint32_t location : p.tableLocations) {
         uint32_t bytes = std::min<uint32_t>(p.tableBytes, kSparingEntriesOffset +
                                                               UINT16_MAX * kSparingEntryBytes);
-        if (bytes < kSparingEntriesOffset || location >= source_.SectorCount() ||
-            bytes > (source_.SectorCount() - location) * kSectorSize) {
+        if (bytes < kSparingEntriesOffset) {
             continue;
         }
         table.resize(bytes);
-        if (source_.CopyBytes(location, 0, table.data(), bytes) != kOk ||
+        if (CopyPhysical(location, table.data(), bytes) != kOk ||
             !UdfTag::Check(table.data(), bytes, kTagSparingTable, location) ||
             !HasIdentifier(table.data() + 17, "*UDF Sparing Table")) {
             continue;
@@ -310,23 +331,23 @@ bool UdfVolume::ParseVat(const std::vector<uint8_t>& data, uint8_t fileType, Par
 
 bool UdfVolume::LoadVat(Partition& p) {
     const Partition& under = maps_[p.under];
-    uint64_t n = source_.SectorCount();
-    SectorBuffer scratch;
+    uint64_t n = blockCount_;
+    UdfBlockBuffer scratch;
     std::vector<uint8_t> data;
-    for (uint64_t back = 1; back <= kVatSearchSectors && back <= n; ++back) {
-        uint64_t sector = n - back;
+    for (uint64_t back = 1; back <= kVatSearchBlocks && back <= n; ++back) {
+        uint64_t physical = n - back;
         const uint8_t* d = nullptr;
         UdfFileEntry entry;
-        if (sector < under.start || sector - under.start > UINT32_MAX ||
-            source_.ViewSector(sector, scratch, &d) != kOk) {
+        if (physical < under.start || physical - under.start > UINT32_MAX ||
+            ViewPhysical(physical, scratch, &d) != kOk) {
             continue;
         }
-        auto block = static_cast<uint32_t>(sector - under.start);
-        if (!entry.Parse(d, block) ||
+        auto block = static_cast<uint32_t>(physical - under.start);
+        if (!entry.Parse(d, blockSize_, block) ||
             (entry.FileType() != kUdfTypeVat && entry.FileType() != kUdfTypeUnspecified)) {
             continue;
         }
-        if (ReadData(entry, d, {block, p.under}, n * kSectorSize, &data) == kOk &&
+        if (ReadData(entry, d, {block, p.under}, n * blockSize_, &data) == kOk &&
             ParseVat(data, entry.FileType(), p)) {
             return true;
         }
@@ -335,12 +356,12 @@ bool UdfVolume::LoadVat(Partition& p) {
 }
 
 bool UdfVolume::LoadMetadataFile(Partition& p, uint32_t location, uint8_t fileType) {
-    SectorBuffer scratch;
+    UdfBlockBuffer scratch;
     const uint8_t* d = nullptr;
-    uint64_t sector = 0;
+    uint64_t physical = 0;
     UdfFileEntry entry;
     UdfAddress icb{location, p.under};
-    if (ViewBlock(icb, scratch, &d, &sector) != kOk || !entry.Parse(d, location) ||
+    if (ViewBlock(icb, scratch, &d, &physical) != kOk || !entry.Parse(d, blockSize_, location) ||
         entry.FileType() != fileType || entry.AdForm() == UdfAdForm::kEmbedded ||
         !allocation_.Collect(entry, d, icb, &extents_)) {
         return false;
@@ -348,7 +369,7 @@ bool UdfVolume::LoadMetadataFile(Partition& p, uint32_t location, uint8_t fileTy
     p.runs.clear();
     uint32_t fileBlock = 0;
     for (const UdfExtent& e : extents_) {
-        uint32_t count = e.length / kSectorSize;
+        uint32_t count = e.length / blockSize_;
         uint64_t first = 0;
         uint32_t run = 0;
         if (e.type != kUdfRecorded || e.where.partition != p.under ||
@@ -368,11 +389,11 @@ bool UdfVolume::LoadMetadata(Partition& p) {
 }
 
 Result UdfVolume::ReadFileSet(UdfAddress where) {
-    SectorBuffer scratch;
+    UdfBlockBuffer scratch;
     const uint8_t* d = nullptr;
-    uint64_t sector = 0;
-    if (ViewBlock(where, scratch, &d, &sector) != kOk ||
-        !UdfTag::Check(d, kSectorSize, kTagFileSet, where.block)) {
+    uint64_t physical = 0;
+    if (ViewBlock(where, scratch, &d, &physical) != kOk ||
+        !UdfTag::Check(d, blockSize_, kTagFileSet, where.block)) {
         return kEngineBadImage;
     }
     root_ = LongAdAddress(d + kRootIcbOffset);
@@ -380,18 +401,23 @@ Result UdfVolume::ReadFileSet(UdfAddress where) {
 }
 
 Result UdfVolume::Open() {
-    uint64_t mainLba = 0;
-    uint64_t reserveLba = 0;
-    uint32_t mainBytes = 0;
-    uint32_t reserveBytes = 0;
-    if (!FindAnchor(&mainLba, &mainBytes, &reserveLba, &reserveBytes)) {
-        return kEngineBadImage;
+    Result r = kEngineBadImage;
+    Anchor anchor{};
+    // An anchor that checks out at a wrong block size leads nowhere; the right one still reads.
+    for (uint32_t size : kUdfBlockSizes) {
+        if (FindAnchor(size, &anchor) && (r = ReadVolume(anchor)) == kOk) {
+            return kOk;
+        }
     }
+    return r;
+}
+
+Result UdfVolume::ReadVolume(const Anchor& anchor) {
     auto sequence = std::make_unique<Sequence>();
-    ReadSequence(mainLba, mainBytes, sequence.get());
+    ReadSequence(anchor.mainLba, anchor.mainBytes, sequence.get());
     if (!sequence->haveLogical || sequence->partitions.empty()) {
         sequence = std::make_unique<Sequence>();
-        ReadSequence(reserveLba, reserveBytes, sequence.get());
+        ReadSequence(anchor.reserveLba, anchor.reserveBytes, sequence.get());
     }
     if (!sequence->haveLogical) {
         return kEngineBadImage;
@@ -417,13 +443,13 @@ Result UdfVolume::Open() {
     return ReadFileSet(fileSet_);
 }
 
-bool UdfVolume::MapPlain(const Partition& p, uint32_t block, uint32_t maxBlocks, uint64_t* sector,
+bool UdfVolume::MapPlain(const Partition& p, uint32_t block, uint32_t maxBlocks, uint64_t* physical,
                          uint32_t* run) const {
     if (block >= p.length || maxBlocks == 0) {
         return false;
     }
     uint64_t left = std::min<uint64_t>(maxBlocks, p.length - block);
-    *sector = p.start + block;
+    *physical = p.start + block;
     if (p.kind == MapKind::kSparable && p.packetLength > 0) {
         // OSTA UDF 2.60 2.2.12: a relocated packet is found by the block that starts it.
         uint32_t within = block % p.packetLength;
@@ -431,15 +457,15 @@ bool UdfVolume::MapPlain(const Partition& p, uint32_t block, uint32_t maxBlocks,
         auto hit = std::lower_bound(p.spared.begin(), p.spared.end(),
                                     std::pair<uint32_t, uint32_t>{block - within, 0});
         if (hit != p.spared.end() && hit->first == block - within) {
-            *sector = uint64_t{hit->second} + within;
+            *physical = uint64_t{hit->second} + within;
         }
     }
     *run = static_cast<uint32_t>(left);
-    return *sector < source_.SectorCount();
+    return *physical < blockCount_;
 }
 
 bool UdfVolume::MapIndirect(const Partition& p, uint32_t block, uint32_t maxBlocks,
-                            uint64_t* sector, uint32_t* run) const {
+                            uint64_t* physical, uint32_t* run) const {
     const Partition& under = maps_[p.under];
     if (p.kind == MapKind::kVirtual) {
         if (block >= p.vat.size() || p.vat[block] == kVatUnused) {
@@ -449,7 +475,7 @@ bool UdfVolume::MapIndirect(const Partition& p, uint32_t block, uint32_t maxBloc
         while (n < maxBlocks && block + n < p.vat.size() && p.vat[block + n] == p.vat[block] + n) {
             ++n;
         }
-        return MapPlain(under, p.vat[block], n, sector, run);
+        return MapPlain(under, p.vat[block], n, physical, run);
     }
     auto next = std::upper_bound(p.runs.begin(), p.runs.end(), block,
                                  [](uint32_t b, const MetadataRun& r) { return b < r.fileBlock; });
@@ -461,27 +487,27 @@ bool UdfVolume::MapIndirect(const Partition& p, uint32_t block, uint32_t maxBloc
     if (within >= r.count) {
         return false;
     }
-    return MapPlain(under, r.block + within, std::min(maxBlocks, r.count - within), sector, run);
+    return MapPlain(under, r.block + within, std::min(maxBlocks, r.count - within), physical, run);
 }
 
-bool UdfVolume::MapBlock(UdfAddress where, uint32_t maxBlocks, uint64_t* sector,
+bool UdfVolume::MapBlock(UdfAddress where, uint32_t maxBlocks, uint64_t* physical,
                          uint32_t* run) const {
     if (where.partition >= maps_.size()) {
         return false;
     }
     const Partition& p = maps_[where.partition];
     bool indirect = p.kind == MapKind::kVirtual || p.kind == MapKind::kMetadata;
-    return indirect ? MapIndirect(p, where.block, maxBlocks, sector, run)
-                    : MapPlain(p, where.block, maxBlocks, sector, run);
+    return indirect ? MapIndirect(p, where.block, maxBlocks, physical, run)
+                    : MapPlain(p, where.block, maxBlocks, physical, run);
 }
 
-Result UdfVolume::ViewBlock(UdfAddress where, SectorBuffer& scratch, const uint8_t** data,
-                            uint64_t* sector) const {
+Result UdfVolume::ViewBlock(UdfAddress where, UdfBlockBuffer& scratch, const uint8_t** data,
+                            uint64_t* physical) const {
     uint32_t run = 0;
-    if (!MapBlock(where, 1, sector, &run)) {
+    if (!MapBlock(where, 1, physical, &run)) {
         return kEngineReadFailed;
     }
-    return source_.ViewSector(*sector, scratch, data);
+    return ViewPhysical(*physical, scratch, data);
 }
 
 Result UdfVolume::ReadData(const UdfFileEntry& entry, const uint8_t* block, UdfAddress icb,
@@ -501,19 +527,19 @@ Result UdfVolume::ReadData(const UdfFileEntry& entry, const uint8_t* block, UdfA
         UdfAddress at = e.where;
         while (want > 0) {
             size_t done = out->size();
-            uint64_t sector = 0;
+            uint64_t physical = 0;
             uint32_t run = 0;
-            auto blocks = static_cast<uint32_t>((want + kSectorSize - 1) / kSectorSize);
+            auto blocks = static_cast<uint32_t>((want + blockSize_ - 1) / blockSize_);
             if (e.type != kUdfRecorded) {
                 out->resize(done + want);
                 break;
             }
-            if (!MapBlock(at, blocks, &sector, &run)) {
+            if (!MapBlock(at, blocks, &physical, &run)) {
                 return kEngineReadFailed;
             }
-            uint64_t piece = std::min<uint64_t>(want, uint64_t{run} * kSectorSize);
+            uint64_t piece = std::min<uint64_t>(want, uint64_t{run} * blockSize_);
             out->resize(done + piece);
-            if (source_.CopyBytes(sector, 0, out->data() + done, piece) != kOk) {
+            if (CopyPhysical(physical, out->data() + done, piece) != kOk) {
                 return kEngineReadFailed;
             }
             want -= piece;

@@ -1,6 +1,7 @@
 // A UDF volume (ECMA-167, OSTA UDF 1.02 to 2.60): its anchor, volume descriptor sequences,
 // partitions and partition maps, and the mapping of each partition's logical blocks to the
-// image's sectors through the virtual allocation table, the sparing table or the metadata file.
+// volume's blocks through the virtual allocation table, the sparing table or the metadata file.
+// The volume's blocks, of 512 to 4096 bytes, are found in the image's 2048-byte sectors.
 #pragma once
 
 #include <cstdint>
@@ -11,6 +12,7 @@
 #include "SectorSource.h"
 #include "UdfAllocation.h"
 #include "UdfFileEntry.h"
+#include "VolumeIndex.h"
 
 namespace qmz {
 
@@ -20,24 +22,29 @@ public:
     UdfVolume(const UdfVolume&) = delete;
     UdfVolume& operator=(const UdfVolume&) = delete;
 
-    // True when an anchor volume descriptor pointer stands at one of its three places.
+    // True when an anchor volume descriptor pointer stands at one of its three places, for one
+    // of the block sizes.
     static bool Probe(SectorSource& source);
-    // Reads the descriptors down to the file set. kEngineBadImage when there is no usable
-    // logical volume, partition or file set.
+    // Reads the descriptors down to the file set, at the first block size whose anchor leads
+    // to one. kEngineBadImage when there is no usable logical volume, partition or file set.
     Result Open();
 
-    // The sector of block `where`; `*run` blocks from there, at least 1 and at most
-    // `maxBlocks`, lie in consecutive sectors. False when the block is outside its partition
-    // or the image.
-    bool MapBlock(UdfAddress where, uint32_t maxBlocks, uint64_t* sector, uint32_t* run) const;
-    Result ViewBlock(UdfAddress where, SectorBuffer& scratch, const uint8_t** data,
-                     uint64_t* sector) const;
+    // The volume block of block `where`; `*run` blocks from there, at least 1 and at most
+    // `maxBlocks`, follow one another. False when the block is outside its partition or the
+    // image.
+    bool MapBlock(UdfAddress where, uint32_t maxBlocks, uint64_t* physical, uint32_t* run) const;
+    Result ViewBlock(UdfAddress where, UdfBlockBuffer& scratch, const uint8_t** data,
+                     uint64_t* physical) const;
+    // Where `length` bytes found `offset` bytes into volume block `physical` lie in the image.
+    Extent BlockExtent(uint64_t physical, uint64_t length, uint32_t offset = 0) const;
     // The data of `entry` (in `block`, the entry's own block at `icb`), at most `limit` bytes,
     // holes as zeros. kEngineReadFailed when an extent cannot be read.
     Result ReadData(const UdfFileEntry& entry, const uint8_t* block, UdfAddress icb, uint64_t limit,
                     std::vector<uint8_t>* out);
 
     UdfAddress RootIcb() const { return root_; }
+    uint32_t BlockSize() const { return blockSize_; }
+    uint64_t BlockCount() const { return blockCount_; }
     const char16_t* VolumeId() const { return volumeId_; }
     SectorSource& Source() const { return source_; }
 
@@ -55,7 +62,7 @@ private:
     struct Partition {
         MapKind kind = MapKind::kPhysical;
         uint16_t number = 0;
-        uint64_t start = 0; // sectors of the partition descriptor with that number
+        uint64_t start = 0; // blocks of the partition descriptor with that number
         uint64_t length = 0;
         uint16_t under = 0; // the map a virtual or metadata partition lies on
         uint32_t packetLength = 0;
@@ -63,7 +70,7 @@ private:
         uint32_t tableBytes = 0;
         uint32_t metadataFile = 0;
         uint32_t mirrorFile = 0;
-        std::vector<std::pair<uint32_t, uint32_t>> spared; // packet → sector, sorted
+        std::vector<std::pair<uint32_t, uint32_t>> spared; // packet → block, sorted
         std::vector<uint32_t> vat;
         std::vector<MetadataRun> runs;
     };
@@ -79,12 +86,23 @@ private:
     struct Sequence {
         bool haveLogical = false;
         uint32_t logicalNumber = 0;
-        SectorBuffer logical;
+        UdfBlockBuffer logical;
         std::vector<PartitionDescriptor> partitions;
     };
 
-    bool FindAnchor(uint64_t* mainLba, uint32_t* mainBytes, uint64_t* reserveLba,
-                    uint32_t* reserveBytes);
+    // ECMA-167 3/10.2: the extents of the main and reserve volume descriptor sequences.
+    struct Anchor {
+        uint64_t mainLba;
+        uint32_t mainBytes;
+        uint64_t reserveLba;
+        uint32_t reserveBytes;
+    };
+
+    bool FindAnchor(uint32_t blockSize, Anchor* anchor);
+    bool ReadAnchor(uint64_t lba, Anchor* anchor);
+    Result ReadVolume(const Anchor& anchor);
+    Result ViewPhysical(uint64_t physical, UdfBlockBuffer& scratch, const uint8_t** data) const;
+    Result CopyPhysical(uint64_t physical, void* dst, size_t length) const;
     void ReadSequence(uint64_t lba, uint32_t bytes, Sequence* sequence);
     void ReadPartitionDescriptor(const uint8_t* d, Sequence* sequence);
     Result ReadLogicalVolume(const Sequence& sequence);
@@ -96,12 +114,14 @@ private:
     bool LoadMetadata(Partition& p);
     bool LoadMetadataFile(Partition& p, uint32_t location, uint8_t fileType);
     Result ReadFileSet(UdfAddress where);
-    bool MapPlain(const Partition& p, uint32_t block, uint32_t maxBlocks, uint64_t* sector,
+    bool MapPlain(const Partition& p, uint32_t block, uint32_t maxBlocks, uint64_t* physical,
                   uint32_t* run) const;
-    bool MapIndirect(const Partition& p, uint32_t block, uint32_t maxBlocks, uint64_t* sector,
+    bool MapIndirect(const Partition& p, uint32_t block, uint32_t maxBlocks, uint64_t* physical,
                      uint32_t* run) const;
 
     SectorSource& source_;
+    uint32_t blockSize_ = kSectorSize;
+    uint64_t blockCount_ = 0;
     UdfAllocation allocation_;
     std::vector<Partition> maps_;
     UdfAddress fileSet_{};

@@ -171,6 +171,32 @@ const BrokenCase kCases[] = {
          }
      },
      [](Session& s) { EXPECT_EQ(s.Walk().count("F1.TXT"), 1u); }, kFsIso9660},
+    // A copy of the anchor's first 512 bytes checks out at 512-byte blocks but leads nowhere
+    // there: the volume is still read at its own block size.
+    {"AnchorLiesAboutTheBlockSize",
+     [](UdfBytes& u) {
+         std::copy_n(u.bytes.begin() + 256 * kSector, 512, u.bytes.begin() + 256 * 512);
+     },
+     [](Session& s) { EXPECT_EQ(s.Walk().count("B/Y.TXT"), 1u); }},
+    {"LogicalVolumeDisagreesOnTheBlockSize",
+     [](UdfBytes& u) {
+         for (size_t s = 0; s < u.bytes.size() / kSector; ++s) {
+             if (u.Le16(s * kSector) == 6) {
+                 u.Set32(s * kSector + 212, 512);
+                 u.Retag(s * kSector);
+             }
+         }
+     },
+     [](Session& s) { EXPECT_EQ(s.Walk().count("F1.TXT"), 1u); }, kFsIso9660},
+    // 1000 bytes are no whole number of blocks of any size; the last anchor is cut off.
+    {"ImageCutWithinABlock", [](UdfBytes& u) { u.bytes.resize(u.bytes.size() - 1000); },
+     [](Session& s) { EXPECT_EQ(s.Walk().count("F1.TXT"), 1u); }},
+    {"ImageEndsWithAPartialBlock", [](UdfBytes& u) { u.bytes.resize(u.bytes.size() + 1000); },
+     [](Session& s) {
+         std::vector<uint8_t> bytes;
+         EXPECT_EQ(s.ReadAll("B/Y.TXT", &bytes), kOk);
+         EXPECT_EQ(bytes.size(), 5000u);
+     }},
 };
 
 class UdfBrokenImageTest : public testing::TestWithParam<BrokenCase> {};

@@ -87,5 +87,88 @@ TEST_P(UdfImageTest, MatchesSevenZipAndReadsBack) {
 
 INSTANTIATE_TEST_SUITE_P(Images, UdfImageTest, testing::ValuesIn(kRecipes), kCaseName);
 
+// Hard-disk layouts at each block size, populated by udfclient, which writes through the
+// volume's own block size. 7-Zip reads only the 512- and 2048-byte ones.
+struct BlockRecipe {
+    const char* name;
+    uint32_t blockSize;
+    bool sevenZipReads;
+};
+
+const BlockRecipe kBlockRecipes[] = {
+    {"Blocks512", 512, true},
+    {"Blocks1024", 1024, false},
+    {"Blocks2048", 2048, true},
+    {"Blocks4096", 4096, false},
+};
+
+// mkudffs names the volume set after the uuid; udfclient shows the volume as a folder named
+// after the set, the volume, the logical volume and the file set.
+constexpr const char* kVolumeFolder = "0123456789abcdefLinuxUDF:Blocks:Blocks:LinuxUDF";
+
+void MakeBlockImage(const fs::path& src, const fs::path& image, uint32_t blockSize) {
+    std::string size = std::to_string(blockSize);
+    ASSERT_TRUE(RunCommand("truncate -s 64M " + Quote(image) +
+                           " && mkudffs --media-type=hd "
+                           "--blocksize=" +
+                           size + " --label=Blocks --uuid=0123456789abcdef " + Quote(image) +
+                           " >/dev/null"));
+    std::string commands = std::string("cd ") + kVolumeFolder + "\nlcd " + src.string() + "\n";
+    for (const auto& entry : fs::directory_iterator(src)) {
+        commands += "put " + entry.path().filename().string() + "\n";
+    }
+    fs::path script = image.parent_path() / "commands";
+    std::string text = commands + "quit\n";
+    WriteFile(script, std::vector<uint8_t>(text.begin(), text.end()));
+    ASSERT_TRUE(RunCommand("udfclient -W -b " + size + " " + Quote(image) + " < " + Quote(script) +
+                           " >/dev/null 2>&1"));
+}
+
+Tree WithoutTimes(Tree tree) {
+    for (auto& [path, node] : tree) {
+        node.mtime = 0;
+    }
+    return tree;
+}
+
+class UdfBlockSizeTest : public testing::TestWithParam<BlockRecipe> {};
+
+TEST_P(UdfBlockSizeTest, MatchesTheSourceFolder) {
+    const BlockRecipe& recipe = GetParam();
+    TempDir dir;
+    fs::path src = dir / "src";
+    fs::path image = dir / "image.img";
+    WriteFile(src / "zero", {});
+    WriteFile(src / "one", PatternBytes(1, 1));
+    WriteFile(src / "sizes/odd.bin", PatternBytes(5001, 2));
+    WriteFile(src / "sizes/big.bin", PatternBytes(300001, 3));
+    WriteFile(src / "a/b/c/deep.txt", PatternBytes(4097, 4));
+    fs::create_directories(src / "empty");
+    MakeBlockImage(src, image, recipe.blockSize);
+
+    Session session;
+    ASSERT_EQ(session.Open(image), kOk);
+    ASSERT_EQ(session.Scan(), kOk);
+    Tree tree = session.Walk();
+    EXPECT_EQ(session.failures, 0);
+    fsInfo info{};
+    ASSERT_EQ(session.fs->GetFsInfo(&info), kOk);
+    EXPECT_EQ(info.uFileSystem, kFsUdf);
+    EXPECT_EQ(ToUtf8(info.strVolID), "Blocks");
+    ASSERT_EQ(WithoutTimes(tree), WithoutTimes(DiskTree(src)));
+    if (recipe.sevenZipReads) {
+        EXPECT_EQ(WithoutTimes(tree), WithoutTimes(SevenZipTree(image)));
+    }
+    for (const auto& [path, node] : tree) {
+        std::vector<uint8_t> bytes;
+        if (!node.directory) {
+            ASSERT_EQ(session.ReadAll(path, &bytes, 1000), kOk) << path;
+            EXPECT_EQ(bytes, ReadWholeFile(src / path)) << path;
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Images, UdfBlockSizeTest, testing::ValuesIn(kBlockRecipes), kCaseName);
+
 } // namespace
 } // namespace qmz::test
