@@ -255,8 +255,8 @@ TEST_F(ReaderCallback, TheTimersShowTheReadersProgress) {
 TEST_F(ReaderCallback, TheStopButtonReachesTheReader) {
     const uintptr_t requests[] = {1, 0, 1};
     for (const uintptr_t wParam : requests) {
-        QCoreApplication::sendEvent(m_pFrame.get(),
-                                    new CWindowMessage(wmProgressCancel, wParam, 0));
+        CWindowMessage message(wmProgressCancel, wParam, 0);
+        QCoreApplication::sendEvent(m_pFrame.get(), &message);
         EXPECT_EQ(m_reader.GetStop(), static_cast<int32_t>(wParam));
     }
 }
