@@ -2,6 +2,7 @@
 // line, with a file that is no image, without a language table, and an image that xorriso
 // makes, opened by the real engine and walked into with the mouse.
 #include "AppTestSupport.h"
+#include "CAlphaButton.h"
 #include "CFileListView.h"
 #include "CFolderTreeView.h"
 #include "CImageReader.h"
@@ -10,14 +11,23 @@
 #include "COvListCtrl.h"
 #include "COvrinApp.h"
 #include "CProgressDlg.h"
+#include "CWindowMessage.h"
+#include "RestrictedTargets.h"
 #include "TestFiles.h"
+#include "ToolkitTestSupport.h"
 
 #include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 #include <QTreeView>
 #include <QTreeWidgetItem>
+#include <QtEndian>
+#include <functional>
 #include <gtest/gtest.h>
+#include <optional>
 
 namespace {
 
@@ -57,43 +67,287 @@ void ExpectWorkingWindow(const COvrinApp& app) {
     EXPECT_TRUE(pFrame->isEnabled());
     EXPECT_FALSE(pFrame->ProgressDialog()->isVisible());
     EXPECT_NE(g_pImageReader, nullptr);
+    EXPECT_FALSE(pFrame->IsTimerRunning(CMainFrame::kTimerOpen));
+    EXPECT_FALSE(pFrame->IsTimerRunning(CMainFrame::kTimerCopy));
     CommandState state;
     EXPECT_TRUE(pFrame->OnUpdateCommand(CMainFrame::kCommandOpen, state));
     EXPECT_TRUE(state.bEnabled);
 }
 
-struct StartCase {
-    const char* name;
-    const char* file;
-    const char* bytes;
-    bool bReported;
+constexpr size_t kSector = 2048;
+constexpr size_t kDescriptorsStart = 16 * kSector;
+constexpr size_t kRootRecordInDescriptor = 156;
+constexpr size_t kExtentInRecord = 2;
+constexpr size_t kNameLengthInRecord = 32;
+constexpr size_t kNameInRecord = 33;
+constexpr uint32_t kExtentFarBeyondTheEnd = 0x7FFFFFF0;
+constexpr size_t kNoiseBytes = 64 * 1024;
+constexpr auto kNoAccess = std::filesystem::perms::none;
+// The engine double's scan reports "running" this often, so a stop always comes mid-scan.
+constexpr const char* kLongListing = "volume LONG\nwait-running 100000000\nd 0 Docs\n";
+constexpr const char* kGoodListing = "volume GOOD\nd 0 Docs\nf 5 0 readme.txt\n";
+
+// An ECMA-119 image's bytes, with the few fields that the hostile cases patch.
+struct IsoBytes {
+    std::vector<uint8_t> bytes;
+
+    size_t RootDirectory() const {
+        return size_t{qFromLittleEndian<uint32_t>(bytes.data() + kDescriptorsStart +
+                                                  kRootRecordInDescriptor + kExtentInRecord)} *
+               kSector;
+    }
+    // The record named `id` in the root folder.
+    size_t Record(const std::string& id) const {
+        for (size_t pos = RootDirectory(); bytes[pos] != 0; pos += bytes[pos]) {
+            const auto* pName = reinterpret_cast<const char*>(bytes.data() + pos + kNameInRecord);
+            if (std::string(pName, bytes[pos + kNameLengthInRecord]) == id) {
+                return pos;
+            }
+        }
+        ADD_FAILURE() << "no record " << id;
+        return RootDirectory();
+    }
+    // A both-byte-order 32-bit field (ECMA-119 7.3.3).
+    void SetBoth32(size_t at, uint32_t value) {
+        qToLittleEndian(value, bytes.data() + at);
+        qToBigEndian(value, bytes.data() + at + sizeof(value));
+    }
 };
 
-TEST(AppStart, AFileThatCannotBeOpenedIsReportedOnceAndTheWindowStays) {
-    QTemporaryDir dir;
+// The images of one run: a good one that genisoimage makes of A/X.TXT, B/Y.TXT and F1.TXT, and
+// the engine double's good listing.
+class Images {
+public:
+    Images() {
+        ts::WriteFile(m_temp / "src/A/X.TXT", {'x'});
+        ts::WriteFile(m_temp / "src/B/Y.TXT", {'y'});
+        ts::WriteFile(m_temp / "src/F1.TXT", {'1'});
+        EXPECT_TRUE(ts::RunCommand("genisoimage -quiet -R -V GOOD -o " + ts::Quote(Good()) + " " +
+                                   ts::Quote(m_temp / "src")));
+        ts::WriteFile(GoodListing(), Bytes(kGoodListing));
+    }
+    std::filesystem::path Good() const { return m_temp / "good.iso"; }
+    std::filesystem::path GoodListing() const { return m_temp / "good-listing.iso"; }
+    QString Write(const std::string& name, const std::vector<uint8_t>& bytes) const {
+        ts::WriteFile(m_temp / name, bytes);
+        return Path(name);
+    }
+    QString Patched(const std::string& name, const std::function<void(IsoBytes&)>& patch) const {
+        IsoBytes iso{ts::ReadWholeFile(Good())};
+        patch(iso);
+        return Write(name, iso.bytes);
+    }
+    QString Path(const std::string& name) const {
+        return QString::fromStdString((m_temp / name).string());
+    }
+    static std::vector<uint8_t> Bytes(std::string_view text) { return {text.begin(), text.end()}; }
+
+private:
+    ts::TempDir m_temp;
+};
+
+enum class Engine { Real, Double };
+
+struct StartCase {
+    const char* name;
+    Engine engine;
+    // The file named on the command line; none for an empty name.
+    std::function<QString(const Images&)> make;
+    // What the person does once while the opening runs; true once it was done.
+    std::function<bool(CMainFrame&)> whileOpening;
+    // What the person does once the window is up.
+    std::function<void(COvrinApp&, const QString&)> afterwards;
+    bool bReported;
+    // The tree's root and the folders below it.
+    QStringList tree;
+};
+
+const QStringList kNoImageTree{u"No image open"_s};
+const QStringList kGoodTree{u"GOOD"_s, u"A"_s, u"B"_s};
+
+QStringList TreeFolders(const COvrinApp& app) {
+    QTreeWidgetItem* pRoot = TreeOf(app).TreeCtrl().topLevelItem(0);
+    QStringList names{pRoot->text(0)};
+    pRoot->setExpanded(true);
+    for (int i = 0; i < pRoot->childCount(); ++i) {
+        names << pRoot->child(i)->text(0);
+    }
+    return names;
+}
+
+// Every folder of the tree is chosen in turn, then the root, as a person clicks through them.
+void SelectEveryFolder(COvrinApp& app) {
+    QTreeWidget& tree = TreeOf(app).TreeCtrl();
+    QTreeWidgetItem* pRoot = tree.topLevelItem(0);
+    for (int i = 0; i < pRoot->childCount(); ++i) {
+        tree.setCurrentItem(pRoot->child(i));
+        QCoreApplication::processEvents();
+    }
+    tree.setCurrentItem(pRoot);
+    QCoreApplication::processEvents();
+}
+
+bool IsOpening(const CMainFrame& frame) {
+    return frame.ProgressDialog() != nullptr && frame.ProgressDialog()->isVisible();
+}
+
+bool ClickStop(CMainFrame& frame) {
+    if (!IsOpening(frame)) {
+        return false;
+    }
+    const QPoint inside(5, 5);
+    toolkittest::PressAt(*frame.ProgressDialog()->CancelButton(), inside);
+    toolkittest::ReleaseAt(*frame.ProgressDialog()->CancelButton(), inside);
+    return true;
+}
+
+bool PostStop(CMainFrame& frame) {
+    if (!IsOpening(frame)) {
+        return false;
+    }
+    QCoreApplication::postEvent(&frame, new CWindowMessage(wmProgressCancel, 1, 0));
+    return true;
+}
+
+// The image goes away under the open window; the folders already read still show.
+std::function<void(COvrinApp&, const QString&)> Vanish(bool bRenamed) {
+    return [bRenamed](COvrinApp& app, const QString& path) {
+        if (bRenamed) {
+            std::filesystem::rename(path.toStdString(), path.toStdString() + ".moved");
+        } else {
+            std::filesystem::remove(path.toStdString());
+        }
+        SelectEveryFolder(app);
+        EXPECT_EQ(Rows(ListOf(app)), (QStringList{u"A"_s, u"B"_s, u"F1.TXT"_s}));
+    };
+}
+
+// Tries `act` on the frame at every turn of the event loop until it was done.
+class WhileOpening {
+public:
+    WhileOpening(const COvrinApp& app, std::function<bool(CMainFrame&)> act) {
+        QObject::connect(&m_poll, &QTimer::timeout, [this, &app, act] {
+            if (app.MainFrame() != nullptr && act(*app.MainFrame())) {
+                m_poll.stop();
+            }
+        });
+        if (act) {
+            m_poll.start(0);
+        }
+    }
+
+private:
+    QTimer m_poll;
+};
+
+// The engine is left with no image, the window takes the next one.
+void ExpectGoodOpenAfter(COvrinApp& app, const QString& good, const QStringList& goodTree) {
+    ListOf(app).SetImageChooser(
+        [&](QWidget*, const QString&, const QString&, const QString&) { return good; });
+    BoxCatcher boxes;
+    EXPECT_TRUE(app.MainFrame()->OnCommand(CMainFrame::kCommandOpen));
+    EXPECT_TRUE(boxes.m_lstTexts.isEmpty());
+    EXPECT_EQ(TreeFolders(app), goodTree);
+    ExpectWorkingWindow(app);
+}
+
+TEST(AppStart, BadInputIsReportedOnceAndLeavesAWorkingWindow) {
+    const Images images;
+    const auto deny = [](const Images& i) {
+        const QString path = i.Write("locked.iso", ts::ReadWholeFile(i.Good()));
+        std::filesystem::permissions(path.toStdString(), kNoAccess);
+        return path;
+    };
     const StartCase cases[] = {
-        {"no file named", nullptr, nullptr, false},
-        {"a file that does not exist", "missing.iso", nullptr, false},
-        {"an image name over other bytes", "broken.iso", "not a disc image", true},
-        {"a name that is no image's", "notes.txt", "plain text", true},
+        {"no file named", Engine::Real, nullptr, nullptr, nullptr, false, kNoImageTree},
+        {"a file that does not exist", Engine::Real,
+         [](const Images& i) { return i.Path("missing.iso"); }, nullptr, nullptr, false,
+         kNoImageTree},
+        {"random bytes", Engine::Real,
+         [](const Images& i) { return i.Write("noise.iso", ts::PatternBytes(kNoiseBytes, 1)); },
+         nullptr, nullptr, true, kNoImageTree},
+        {"a text file renamed", Engine::Real,
+         [](const Images& i) { return i.Write("notes.iso", Images::Bytes("plain text\n")); },
+         nullptr, nullptr, true, kNoImageTree},
+        {"an empty image", Engine::Real, [](const Images& i) { return i.Write("empty.iso", {}); },
+         nullptr, nullptr, true, kNoImageTree},
+        {"a name that is no image's", Engine::Real,
+         [](const Images& i) { return i.Write("notes.txt", Images::Bytes("plain text")); }, nullptr,
+         nullptr, true, kNoImageTree},
+        {"truncated in the descriptors", Engine::Real,
+         [](const Images& i) {
+             return i.Patched("cut1.iso", [](IsoBytes& iso) {
+                 iso.bytes.resize(kDescriptorsStart + kSector / 2);
+             });
+         },
+         nullptr, nullptr, true, kNoImageTree},
+        {"truncated before the root folder", Engine::Real,
+         [](const Images& i) {
+             return i.Patched("cut2.iso",
+                              [](IsoBytes& iso) { iso.bytes.resize(iso.RootDirectory()); });
+         },
+         nullptr, nullptr, true, kNoImageTree},
+        {"a folder beyond the end", Engine::Real,
+         [](const Images& i) {
+             return i.Patched("far.iso", [](IsoBytes& iso) {
+                 iso.SetBoth32(iso.Record("A") + kExtentInRecord, kExtentFarBeyondTheEnd);
+             });
+         },
+         nullptr, nullptr, false, kGoodTree},
+        {"a folder that is the root again", Engine::Real,
+         [](const Images& i) {
+             return i.Patched("loop.iso", [](IsoBytes& iso) {
+                 iso.SetBoth32(iso.Record("A") + kExtentInRecord,
+                               static_cast<uint32_t>(iso.RootDirectory() / kSector));
+             });
+         },
+         nullptr, nullptr, false, kGoodTree},
+        {"no read permission", Engine::Real, deny, nullptr, nullptr, true, kNoImageTree},
+        {"deleted while open", Engine::Real,
+         [](const Images& i) { return i.Write("deleted.iso", ts::ReadWholeFile(i.Good())); },
+         nullptr, Vanish(false), false, kGoodTree},
+        {"renamed while open", Engine::Real,
+         [](const Images& i) { return i.Write("renamed.iso", ts::ReadWholeFile(i.Good())); },
+         nullptr, Vanish(true), false, kGoodTree},
+        {"stopped with the button", Engine::Double,
+         [](const Images& i) { return i.Write("long1.iso", Images::Bytes(kLongListing)); },
+         ClickStop, nullptr, false, kNoImageTree},
+        {"stopped by the message", Engine::Double,
+         [](const Images& i) { return i.Write("long2.iso", Images::Bytes(kLongListing)); },
+         PostStop, nullptr, false, kNoImageTree},
     };
     for (const StartCase& c : cases) {
         SCOPED_TRACE(c.name);
-        QStringList arguments{u"ovrin"_s};
-        if (c.file != nullptr) {
-            arguments << dir.filePath(QString::fromUtf8(c.file));
-        }
-        if (c.bytes != nullptr) {
-            ts::WriteFile(arguments.last().toStdString(),
-                          std::vector<uint8_t>(c.bytes, c.bytes + strlen(c.bytes)));
+        const QString file = c.make ? c.make(images) : QString();
+        const bool bDouble = c.engine == Engine::Double;
+        // Root reads whatever the permission bits say unless it gives up its override.
+        std::optional<ts::NoAccessOverride> noOverride;
+        std::error_code noFile;
+        if (std::filesystem::status(file.toStdString(), noFile).permissions() == kNoAccess) {
+            noOverride.emplace();
         }
         BoxCatcher boxes;
-        COvrinApp app(arguments, SourceSetup());
-        ASSERT_TRUE(app.InitInstance());
+        COvrinApp app(QStringList{u"ovrin"_s}
+                          << (file.isEmpty() ? QStringList() : QStringList{file}),
+                      {SourceSetup().programFolder,
+                       bDouble ? QStringLiteral(FAKEQMZ_PATH) : QStringLiteral(QMZ_PATH)});
+        {
+            const WhileOpening during(app, c.whileOpening);
+            ASSERT_TRUE(app.InitInstance());
+        }
+        EXPECT_EQ(TreeFolders(app), c.tree);
+        if (c.tree == kNoImageTree) {
+            EXPECT_TRUE(Rows(ListOf(app)).isEmpty());
+        }
+        if (c.afterwards) {
+            c.afterwards(app, file);
+        }
         EXPECT_EQ(boxes.m_lstTexts, c.bReported ? QStringList{kOpenFailed} : QStringList());
         ExpectWorkingWindow(app);
-        EXPECT_EQ(TreeOf(app).TreeCtrl().topLevelItem(0)->text(0), u"No image open"_s);
-        EXPECT_TRUE(Rows(ListOf(app)).isEmpty());
+        noOverride.reset();
+        const std::filesystem::path good = bDouble ? images.GoodListing() : images.Good();
+        ExpectGoodOpenAfter(app, QString::fromStdString(good.string()),
+                            bDouble ? QStringList{u"GOOD"_s, u"Docs"_s} : kGoodTree);
         EXPECT_EQ(app.ExitInstance(), 0);
         EXPECT_EQ(g_pImageReader, nullptr);
     }
