@@ -1,6 +1,8 @@
 // The program's start and end as a person meets them: with and without a file on the command
-// line, with a file that is no image, without a language table, and an image that xorriso
-// makes, opened by the real engine and walked into with the mouse.
+// line; with bad input there (no image, cut short, patched to mislead the engine, unreadable,
+// gone while open, or an opening that the person stops), after which the window still takes a
+// good image; without a language table; and an image that xorriso makes, opened by the real
+// engine and walked into with the mouse.
 #include "AppTestSupport.h"
 #include "CAlphaButton.h"
 #include "CFileListView.h"
