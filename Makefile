@@ -77,6 +77,7 @@ bench: build
 	bench/list-bench.sh $(BUILD)/bin/ovrin-cli
 	bench/extract-bench.sh $(BUILD)/bin/ovrin-cli
 	$(BUILD)/bin/ovrin-dialog-bench
+	bench/window-bench.sh $(BUILD)/bin
 
 bench-extract: build
 	bench/extract-bench.sh $(BUILD)/bin/ovrin-cli

@@ -48,6 +48,7 @@ private:
     void CreateImageReader();
     void CreateFrame();
     bool OpenFileOnStart();
+    void QuitAfterNextPaint();
 
     QStringList m_lstArguments;
     Setup m_setup;

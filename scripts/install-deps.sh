@@ -12,7 +12,7 @@ RUN_PACKAGES="cmake ninja-build ccache g++ qt6-base-dev libsqlite3-dev zlib1g-de
 fonts-dejavu-core adwaita-icon-theme"
 TEST_PACKAGES="libgtest-dev googletest clang clang-format genisoimage libarchive-tools
 p7zip-full dvdauthor ffmpeg udftools udfclient util-linux qt6-svg-dev"
-BENCH_PACKAGES="hyperfine time"
+BENCH_PACKAGES="hyperfine time xvfb xauth"
 
 case "$tier" in
 run) packages=$RUN_PACKAGES ;;
