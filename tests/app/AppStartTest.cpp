@@ -13,7 +13,6 @@
 #include "COvListCtrl.h"
 #include "COvrinApp.h"
 #include "CProgressDlg.h"
-#include "CWindowMessage.h"
 #include "RestrictedTargets.h"
 #include "TestFiles.h"
 #include "ToolkitTestSupport.h"
@@ -150,22 +149,22 @@ private:
 
 enum class Engine { Real, Double };
 
-struct StartCase {
-    const char* name;
-    Engine engine;
-    // The file named on the command line; none for an empty name.
-    std::function<QString(const Images&)> make;
-    // What the person does once while the opening runs; true once it was done.
-    std::function<bool(CMainFrame&)> whileOpening;
-    // What the person does once the window is up.
-    std::function<void(COvrinApp&, const QString&)> afterwards;
-    bool bReported;
-    // The tree's root and the folders below it.
-    QStringList tree;
-};
-
 const QStringList kNoImageTree{u"No image open"_s};
 const QStringList kGoodTree{u"GOOD"_s, u"A"_s, u"B"_s};
+
+struct StartCase {
+    const char* name;
+    Engine engine = Engine::Real;
+    // The file named on the command line; none for an empty name.
+    std::function<QString(const Images&)> make = {};
+    // What the person does once while the opening runs; true once it was done.
+    std::function<bool(CMainFrame&)> whileOpening = {};
+    // What the person does once the window is up.
+    std::function<void(COvrinApp&, const QString&)> afterwards = {};
+    bool bReported = false;
+    // The tree's root and the folders below it.
+    QStringList tree = kNoImageTree;
+};
 
 QStringList TreeFolders(const COvrinApp& app) {
     QTreeWidgetItem* pRoot = TreeOf(app).TreeCtrl().topLevelItem(0);
@@ -203,25 +202,11 @@ bool ClickStop(CMainFrame& frame) {
     return true;
 }
 
-bool PostStop(CMainFrame& frame) {
-    if (!IsOpening(frame)) {
-        return false;
-    }
-    QCoreApplication::postEvent(&frame, new CWindowMessage(wmProgressCancel, 1, 0));
-    return true;
-}
-
 // The image goes away under the open window; the folders already read still show.
-std::function<void(COvrinApp&, const QString&)> Vanish(bool bRenamed) {
-    return [bRenamed](COvrinApp& app, const QString& path) {
-        if (bRenamed) {
-            std::filesystem::rename(path.toStdString(), path.toStdString() + ".moved");
-        } else {
-            std::filesystem::remove(path.toStdString());
-        }
-        SelectEveryFolder(app);
-        EXPECT_EQ(Rows(ListOf(app)), (QStringList{u"A"_s, u"B"_s, u"F1.TXT"_s}));
-    };
+void Vanish(COvrinApp& app, const QString& path) {
+    std::filesystem::remove(path.toStdString());
+    SelectEveryFolder(app);
+    EXPECT_EQ(Rows(ListOf(app)), (QStringList{u"A"_s, u"B"_s, u"F1.TXT"_s}));
 }
 
 // Tries `act` on the frame at every turn of the event loop until it was done.
@@ -261,62 +246,60 @@ TEST(AppStart, BadInputIsReportedOnceAndLeavesAWorkingWindow) {
         return path;
     };
     const StartCase cases[] = {
-        {"no file named", Engine::Real, nullptr, nullptr, nullptr, false, kNoImageTree},
-        {"a file that does not exist", Engine::Real,
-         [](const Images& i) { return i.Path("missing.iso"); }, nullptr, nullptr, false,
-         kNoImageTree},
-        {"random bytes", Engine::Real,
-         [](const Images& i) { return i.Write("noise.iso", ts::PatternBytes(kNoiseBytes, 1)); },
-         nullptr, nullptr, true, kNoImageTree},
-        {"a text file renamed", Engine::Real,
-         [](const Images& i) { return i.Write("notes.iso", Images::Bytes("plain text\n")); },
-         nullptr, nullptr, true, kNoImageTree},
-        {"an empty image", Engine::Real, [](const Images& i) { return i.Write("empty.iso", {}); },
-         nullptr, nullptr, true, kNoImageTree},
-        {"a name that is no image's", Engine::Real,
-         [](const Images& i) { return i.Write("notes.txt", Images::Bytes("plain text")); }, nullptr,
-         nullptr, true, kNoImageTree},
-        {"truncated in the descriptors", Engine::Real,
-         [](const Images& i) {
-             return i.Patched("cut1.iso", [](IsoBytes& iso) {
-                 iso.bytes.resize(kDescriptorsStart + kSector / 2);
-             });
-         },
-         nullptr, nullptr, true, kNoImageTree},
-        {"truncated before the root folder", Engine::Real,
-         [](const Images& i) {
-             return i.Patched("cut2.iso",
-                              [](IsoBytes& iso) { iso.bytes.resize(iso.RootDirectory()); });
-         },
-         nullptr, nullptr, true, kNoImageTree},
-        {"a folder beyond the end", Engine::Real,
-         [](const Images& i) {
-             return i.Patched("far.iso", [](IsoBytes& iso) {
-                 iso.SetBoth32(iso.Record("A") + kExtentInRecord, kExtentFarBeyondTheEnd);
-             });
-         },
-         nullptr, nullptr, false, kGoodTree},
-        {"a folder that is the root again", Engine::Real,
-         [](const Images& i) {
-             return i.Patched("loop.iso", [](IsoBytes& iso) {
-                 iso.SetBoth32(iso.Record("A") + kExtentInRecord,
-                               static_cast<uint32_t>(iso.RootDirectory() / kSector));
-             });
-         },
-         nullptr, nullptr, false, kGoodTree},
-        {"no read permission", Engine::Real, deny, nullptr, nullptr, true, kNoImageTree},
-        {"deleted while open", Engine::Real,
-         [](const Images& i) { return i.Write("deleted.iso", ts::ReadWholeFile(i.Good())); },
-         nullptr, Vanish(false), false, kGoodTree},
-        {"renamed while open", Engine::Real,
-         [](const Images& i) { return i.Write("renamed.iso", ts::ReadWholeFile(i.Good())); },
-         nullptr, Vanish(true), false, kGoodTree},
-        {"stopped with the button", Engine::Double,
-         [](const Images& i) { return i.Write("long1.iso", Images::Bytes(kLongListing)); },
-         ClickStop, nullptr, false, kNoImageTree},
-        {"stopped by the message", Engine::Double,
-         [](const Images& i) { return i.Write("long2.iso", Images::Bytes(kLongListing)); },
-         PostStop, nullptr, false, kNoImageTree},
+        {.name = "no file named"},
+        {.name = "a file that does not exist",
+         .make = [](const Images& i) { return i.Path("missing.iso"); }},
+        {.name = "random bytes",
+         .make =
+             [](const Images& i) { return i.Write("noise.iso", ts::PatternBytes(kNoiseBytes, 1)); },
+         .bReported = true},
+        {.name = "an empty image",
+         .make = [](const Images& i) { return i.Write("empty.iso", {}); },
+         .bReported = true},
+        {.name = "a name that is no image's",
+         .make = [](const Images& i) { return i.Write("notes.txt", Images::Bytes("plain text")); },
+         .bReported = true},
+        {.name = "truncated in the descriptors",
+         .make =
+             [](const Images& i) {
+                 return i.Patched("cut1.iso", [](IsoBytes& iso) {
+                     iso.bytes.resize(kDescriptorsStart + kSector / 2);
+                 });
+             },
+         .bReported = true},
+        {.name = "truncated before the root folder",
+         .make =
+             [](const Images& i) {
+                 return i.Patched("cut2.iso",
+                                  [](IsoBytes& iso) { iso.bytes.resize(iso.RootDirectory()); });
+             },
+         .bReported = true},
+        {.name = "a folder beyond the end",
+         .make =
+             [](const Images& i) {
+                 return i.Patched("far.iso", [](IsoBytes& iso) {
+                     iso.SetBoth32(iso.Record("A") + kExtentInRecord, kExtentFarBeyondTheEnd);
+                 });
+             },
+         .tree = kGoodTree},
+        {.name = "a folder that is the root again",
+         .make =
+             [](const Images& i) {
+                 return i.Patched("loop.iso", [](IsoBytes& iso) {
+                     iso.SetBoth32(iso.Record("A") + kExtentInRecord,
+                                   static_cast<uint32_t>(iso.RootDirectory() / kSector));
+                 });
+             },
+         .tree = kGoodTree},
+        {.name = "no read permission", .make = deny, .bReported = true},
+        {.name = "deleted while open",
+         .make = [](const Images& i) { return i.Write("gone.iso", ts::ReadWholeFile(i.Good())); },
+         .afterwards = Vanish,
+         .tree = kGoodTree},
+        {.name = "stopped with the button",
+         .engine = Engine::Double,
+         .make = [](const Images& i) { return i.Write("long.iso", Images::Bytes(kLongListing)); },
+         .whileOpening = ClickStop},
     };
     for (const StartCase& c : cases) {
         SCOPED_TRACE(c.name);

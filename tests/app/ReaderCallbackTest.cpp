@@ -1,22 +1,18 @@
 // The frame's answers to the reader's notices: the progress dialog, the frame's input, the
-// timers that poll the reader and the reports; the stop button reaching the reader; and images
-// opened one after the other through the frame, on the engine double.
+// timers that poll the reader and the reports; and the stop button reaching the reader.
 #include "AppTestSupport.h"
 #include "CFileListView.h"
 #include "CFolderTreeView.h"
 #include "CImageReader.h"
 #include "CMainFrame.h"
-#include "COvDataItem.h"
 #include "COvrinDoc.h"
 #include "CProgressDlg.h"
 #include "CWindowMessage.h"
 #include "ToolkitTestSupport.h"
 
-#include <QFile>
 #include <QStorageInfo>
 #include <QTemporaryDir>
 #include <QTest>
-#include <QTreeWidgetItem>
 #include <gtest/gtest.h>
 
 namespace {
@@ -50,31 +46,6 @@ protected:
             m_pFrame.get());
     }
     CProgressDlg& Dialog() { return *m_pFrame->ProgressDialog(); }
-    QString Image(const QString& name, const char* listing) {
-        const QString path = m_dir.filePath(name);
-        QFile file(path);
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(listing);
-        return path;
-    }
-    QStringList TreeFolders() {
-        QStringList names;
-        QTreeWidgetItem* pRoot = m_pTree->TreeCtrl().topLevelItem(0);
-        names << pRoot->text(0);
-        pRoot->setExpanded(true);
-        for (int i = 0; i < pRoot->childCount(); ++i) {
-            names << pRoot->child(i)->text(0);
-        }
-        return names;
-    }
-    QStringList ListRows() {
-        QStringList names;
-        COvListModel& model = m_pList->ListCtrl().Model();
-        for (int i = 0; i < model.rowCount(); ++i) {
-            names << model.NodeAt(i)->m_strName;
-        }
-        return names;
-    }
 
     toolkittest::CommittedSkin m_skin;
     QTemporaryDir m_dir;
@@ -87,132 +58,82 @@ protected:
 
 struct NoticeCase {
     const char* name;
-    uint32_t nBefore;
     uint32_t nCode;
-    QString payload;
-    bool bViewing;
-    bool bDialogShown;
-    QString dialogText;
-    bool bCopyTimer;
-    bool bOpenTimer;
-    QString report;
+    QString payload = {};
+    uint32_t nBefore = kNoCode;
+    bool bViewing = false;
+    bool bDialogShown = false;
+    QString dialogText = {};
+    bool bCopyTimer = false;
+    bool bOpenTimer = false;
+    QString report = {};
 };
 
 TEST_F(ReaderCallback, EachNoticeHasItsReaction) {
     const QString missingTarget = m_dir.filePath(u"not/yet/out.bin"_s);
     const QString mount = QStorageInfo(m_dir.path()).rootPath();
+    const QString noRoom = u"There is not enough free space on %1 "_s.arg(mount);
+    const QString deniedPath = u"/out/d.bin"_s;
     const NoticeCase cases[] = {
-        {"open begin",
-         kNoCode,
-         NOTIFY_OPEN_BEGIN,
-         u"/images/a.iso"_s,
-         false,
-         true,
-         u"Opening \"/images/a.iso\"..."_s,
-         false,
-         true,
-         {}},
-        {"open end", NOTIFY_OPEN_BEGIN, NOTIFY_OPEN_END, {}, false, false, {}, false, false, {}},
-        {"copy begin",
-         kNoCode,
-         NOTIFY_COPY_BEGIN,
-         u"b.txt"_s,
-         false,
-         true,
-         u"Extracting \"b.txt\"..."_s,
-         true,
-         false,
-         {}},
-        {"copy end", NOTIFY_COPY_BEGIN, NOTIFY_COPY_END, {}, false, false, {}, false, false, {}},
-        {"stopping",
-         NOTIFY_OPEN_BEGIN,
-         NOTIFY_STOPPING,
-         {},
-         false,
-         true,
-         u"Stopping..."_s,
-         false,
-         true,
-         {}},
-        {"no room",
-         kNoCode,
-         NOTIFY_NO_ROOM,
-         missingTarget,
-         false,
-         false,
-         {},
-         false,
-         false,
-         u"There is not enough free space on %1 to extract \"out.bin\". Free some space there, "
-         u"then try again."_s.arg(mount)},
-        {"no room, viewing",
-         kNoCode,
-         NOTIFY_NO_ROOM,
-         missingTarget,
-         true,
-         false,
-         {},
-         false,
-         false,
-         u"There is not enough free space on %1 for the extracted files. Free some space there, "
-         u"then try again."_s.arg(mount)},
-        {"write failed",
-         kNoCode,
-         NOTIFY_WRITE_FAILED,
-         u"/out/c.bin"_s,
-         false,
-         false,
-         {},
-         false,
-         false,
-         u"\"/out/c.bin\" could not be written. Check that the disk is not full or read-only, "
-         u"then try again."_s},
-        {"read failed",
-         NOTIFY_COPY_BEGIN,
-         NOTIFY_READ_FAILED,
-         {},
-         false,
-         true,
-         {},
-         true,
-         false,
-         u"Part of the image could not be read, so the extraction stopped. The image may be "
-         u"damaged."_s},
-        {"read failed, viewing",
-         kNoCode,
-         NOTIFY_READ_FAILED,
-         {},
-         true,
-         false,
-         {},
-         false,
-         false,
-         u"The file could not be read from the image, so it cannot be opened. The image may be "
-         u"damaged."_s},
-        {"access denied",
-         kNoCode,
-         NOTIFY_ACCESS_DENIED,
-         u"/out/d.bin"_s,
-         false,
-         false,
-         {},
-         false,
-         false,
-         u"You do not have permission to write \"/out/d.bin\". Choose a folder you are allowed "
-         u"to write to, then try again."_s},
-        {"access denied, viewing",
-         kNoCode,
-         NOTIFY_ACCESS_DENIED,
-         u"/out/d.bin"_s,
-         true,
-         false,
-         {},
-         false,
-         false,
-         u"Ovrin could not make a copy of the file to open at \"/out/d.bin\" because permission "
-         u"was denied."_s},
-        {"unused code", kNoCode, 0x8003, {}, false, false, {}, false, false, {}},
-        {"outside the range", kNoCode, 0x800B, {}, false, false, {}, false, false, {}},
+        {.name = "open begin",
+         .nCode = NOTIFY_OPEN_BEGIN,
+         .payload = u"/images/a.iso"_s,
+         .bDialogShown = true,
+         .dialogText = u"Opening \"/images/a.iso\"..."_s,
+         .bOpenTimer = true},
+        {.name = "open end", .nCode = NOTIFY_OPEN_END, .nBefore = NOTIFY_OPEN_BEGIN},
+        {.name = "copy begin",
+         .nCode = NOTIFY_COPY_BEGIN,
+         .payload = u"b.txt"_s,
+         .bDialogShown = true,
+         .dialogText = u"Extracting \"b.txt\"..."_s,
+         .bCopyTimer = true},
+        {.name = "copy end", .nCode = NOTIFY_COPY_END, .nBefore = NOTIFY_COPY_BEGIN},
+        {.name = "stopping",
+         .nCode = NOTIFY_STOPPING,
+         .nBefore = NOTIFY_OPEN_BEGIN,
+         .bDialogShown = true,
+         .dialogText = u"Stopping..."_s,
+         .bOpenTimer = true},
+        {.name = "no room",
+         .nCode = NOTIFY_NO_ROOM,
+         .payload = missingTarget,
+         .report = noRoom + u"to extract \"out.bin\". Free some space there, then try again."_s},
+        {.name = "no room, viewing",
+         .nCode = NOTIFY_NO_ROOM,
+         .payload = missingTarget,
+         .bViewing = true,
+         .report = noRoom + u"for the extracted files. Free some space there, then try again."_s},
+        {.name = "write failed",
+         .nCode = NOTIFY_WRITE_FAILED,
+         .payload = u"/out/c.bin"_s,
+         .report = u"\"/out/c.bin\" could not be written. Check that the disk is not full or "
+                   u"read-only, then try again."_s},
+        {.name = "read failed",
+         .nCode = NOTIFY_READ_FAILED,
+         .nBefore = NOTIFY_COPY_BEGIN,
+         .bDialogShown = true,
+         .bCopyTimer = true,
+         .report = u"Part of the image could not be read, so the extraction stopped. The image "
+                   u"may be damaged."_s},
+        {.name = "read failed, viewing",
+         .nCode = NOTIFY_READ_FAILED,
+         .bViewing = true,
+         .report = u"The file could not be read from the image, so it cannot be opened. The "
+                   u"image may be damaged."_s},
+        {.name = "access denied",
+         .nCode = NOTIFY_ACCESS_DENIED,
+         .payload = deniedPath,
+         .report = u"You do not have permission to write \"/out/d.bin\". Choose a folder you are "
+                   u"allowed to write to, then try again."_s},
+        {.name = "access denied, viewing",
+         .nCode = NOTIFY_ACCESS_DENIED,
+         .payload = deniedPath,
+         .bViewing = true,
+         .report = u"Ovrin could not make a copy of the file to open at \"/out/d.bin\" because "
+                   u"permission was denied."_s},
+        {.name = "unused code", .nCode = 0x8003},
+        {.name = "outside the range", .nCode = 0x800B},
     };
     for (const NoticeCase& c : cases) {
         SCOPED_TRACE(c.name);
@@ -259,41 +180,6 @@ TEST_F(ReaderCallback, TheStopButtonReachesTheReader) {
         QCoreApplication::sendEvent(m_pFrame.get(), &message);
         EXPECT_EQ(m_reader.GetStop(), static_cast<int32_t>(wParam));
     }
-}
-
-TEST_F(ReaderCallback, ASecondImageLeavesNothingOfTheFirst) {
-    const QString first = Image(u"first.iso"_s, "volume FIRST\n"
-                                                "d 0 Old\n"
-                                                "d 0 Old\\Deeper\n"
-                                                "f 1 0 Old\\gone.txt\n"
-                                                "f 2 0 old.bin\n");
-    const QString second = Image(u"second.iso"_s, "volume SECOND\n"
-                                                  "d 0 Docs\n"
-                                                  "f 5 0 readme.txt\n");
-    ASSERT_EQ(m_pFrame->OpenFile(first), qmz::kOk);
-    ASSERT_EQ(TreeFolders(), (QStringList{u"FIRST"_s, u"Old"_s}));
-    m_pTree->TreeCtrl().setCurrentItem(m_pTree->TreeCtrl().topLevelItem(0)->child(0));
-    ASSERT_EQ(ListRows(), (QStringList{u"Deeper"_s, u"gone.txt"_s}));
-
-    // The second comes through the open command, as the user picks it.
-    m_pList->SetImageChooser(
-        [&](QWidget*, const QString&, const QString&, const QString&) { return second; });
-    BoxCatcher boxes;
-    EXPECT_TRUE(m_pFrame->OnCommand(CMainFrame::kCommandOpen));
-    EXPECT_TRUE(boxes.m_lstTexts.isEmpty());
-    EXPECT_EQ(TreeFolders(), (QStringList{u"SECOND"_s, u"Docs"_s}));
-    EXPECT_EQ(ListRows(), (QStringList{u"Docs"_s, u"readme.txt"_s}));
-    EXPECT_EQ(m_doc.GetRootItem()->m_ullSize, 5u);
-    EXPECT_EQ(m_doc.GetRootItem()->m_vecChildren.size(), 2u);
-    EXPECT_TRUE(m_pFrame->isEnabled());
-    EXPECT_FALSE(Dialog().isVisible());
-    EXPECT_FALSE(m_pFrame->IsTimerRunning(CMainFrame::kTimerOpen));
-}
-
-TEST(FrameWithoutFileList, OpensNothing) {
-    toolkittest::CommittedSkin skin;
-    CMainFrame frame;
-    EXPECT_EQ(frame.OpenFile(u"/images/a.iso"_s), qmz::kOk);
 }
 
 } // namespace

@@ -27,28 +27,25 @@ struct Panes {
     CFileListView list;
 };
 
-QStringList RowNames(CFileListView& list) {
-    QStringList names;
-    COvListModel& model = list.ListCtrl().Model();
-    for (int i = 0; i < model.rowCount(); ++i) {
-        names << model.NodeAt(i)->m_strName;
-    }
-    return names;
-}
-
 void ClickHeading(CFileListView& list, int nColumn) {
     QHeaderView* pHeader = list.ListCtrl().ReportView()->header();
     const QPoint at(pHeader->sectionViewportPosition(nColumn) + 5, pHeader->height() / 2);
     QTest::mouseClick(pHeader->viewport(), Qt::LeftButton, Qt::NoModifier, at);
 }
 
-// The heading's arrow as a state: 1 up, -1 down, 0 none. Qt's descending mark points up.
-int Arrow(CFileListView& list, int nColumn) {
+// The headings' arrows as states: 1 up, -1 down, 0 none. Qt's descending mark points up.
+std::vector<int> Arrows(CFileListView& list) {
     const QHeaderView* pHeader = list.ListCtrl().ReportView()->header();
-    if (pHeader->sortIndicatorSection() != nColumn) {
-        return 0;
+    std::vector<int> states(COvListModel::ColumnCount, 0);
+    if (pHeader->sortIndicatorSection() >= 0) {
+        states.at(pHeader->sortIndicatorSection()) =
+            pHeader->sortIndicatorOrder() == Qt::DescendingOrder ? 1 : -1;
     }
-    return pHeader->sortIndicatorOrder() == Qt::DescendingOrder ? 1 : -1;
+    return states;
+}
+
+std::vector<int> SortStates(const COvDataItem& folder) {
+    return {std::begin(folder.m_anSortState), std::end(folder.m_anSortState)};
 }
 
 struct ListFixture : ::testing::Test {
@@ -72,9 +69,9 @@ struct ListFixture : ::testing::Test {
 
 TEST_F(ListFixture, HintsRefillTheListFromTheCurrentFolder) {
     Panes panes(doc);
-    EXPECT_EQ(RowNames(panes.list), (QStringList{u"Sub"_s, u"m.bin"_s, u"z.bin"_s}));
+    EXPECT_EQ(ListRows(panes.list), (QStringList{u"Sub"_s, u"m.bin"_s, u"z.bin"_s}));
     panes.tree.TreeCtrl().setCurrentItem(panes.tree.FindItemByNode(pFolder));
-    EXPECT_EQ(RowNames(panes.list), (QStringList{u"Inner"_s, u"a.txt"_s, u"b.txt"_s}));
+    EXPECT_EQ(ListRows(panes.list), (QStringList{u"Inner"_s, u"a.txt"_s, u"b.txt"_s}));
     // Without a current folder the rows stay until a hint brings one.
     doc.SetCurrentFolder(nullptr);
     doc.UpdateAllViews(nullptr, kHintCurrentFolder);
@@ -89,42 +86,38 @@ TEST_F(ListFixture, HintsRefillTheListFromTheCurrentFolder) {
 TEST_F(ListFixture, HeadingClicksCycleOrderAndArrowsPerFolder) {
     const struct {
         int nColumn;
-        int nState;
+        std::vector<int> states;
         QStringList names;
     } steps[] = {
         // Already ascending by name, so the first click turns it round: files before folders.
-        {0, -1, {u"z.bin"_s, u"m.bin"_s, u"Sub"_s}}, {0, 1, {u"Sub"_s, u"m.bin"_s, u"z.bin"_s}},
-        {1, 1, {u"Sub"_s, u"z.bin"_s, u"m.bin"_s}},  {1, -1, {u"m.bin"_s, u"z.bin"_s, u"Sub"_s}},
-        {3, 1, {u"Sub"_s, u"z.bin"_s, u"m.bin"_s}},
+        {0, {-1, 0, 0, 0}, {u"z.bin"_s, u"m.bin"_s, u"Sub"_s}},
+        {0, {1, 0, 0, 0}, {u"Sub"_s, u"m.bin"_s, u"z.bin"_s}},
+        {1, {0, 1, 0, 0}, {u"Sub"_s, u"z.bin"_s, u"m.bin"_s}},
+        {1, {0, -1, 0, 0}, {u"m.bin"_s, u"z.bin"_s, u"Sub"_s}},
+        {3, {0, 0, 0, 1}, {u"Sub"_s, u"z.bin"_s, u"m.bin"_s}},
     };
     Panes panes(doc);
     panes.list.show();
     for (const auto& step : steps) {
         ClickHeading(panes.list, step.nColumn);
-        EXPECT_EQ(RowNames(panes.list), step.names) << step.nColumn;
-        for (int i = 0; i < 4; ++i) {
-            const int nExpected = i == step.nColumn ? step.nState : 0;
-            EXPECT_EQ(doc.GetRootItem()->m_anSortState[i], nExpected);
-            EXPECT_EQ(Arrow(panes.list, i), nExpected);
-        }
+        EXPECT_EQ(ListRows(panes.list), step.names) << step.nColumn;
+        EXPECT_EQ(SortStates(*doc.GetRootItem()), step.states) << step.nColumn;
+        EXPECT_EQ(Arrows(panes.list), step.states) << step.nColumn;
     }
     // Another folder shows its own order and arrow; back in the first, both are as they were.
     panes.tree.TreeCtrl().setCurrentItem(panes.tree.FindItemByNode(pFolder));
-    EXPECT_EQ(Arrow(panes.list, 0), 1);
-    EXPECT_EQ(Arrow(panes.list, 3), 0);
+    EXPECT_EQ(Arrows(panes.list), (std::vector<int>{1, 0, 0, 0}));
     panes.tree.TreeCtrl().setCurrentItem(panes.tree.TreeCtrl().topLevelItem(0));
-    EXPECT_EQ(Arrow(panes.list, 3), 1);
-}
+    EXPECT_EQ(Arrows(panes.list), (std::vector<int>{0, 0, 0, 1}));
 
-TEST(FileList, FirstClickOnAnUnsortedFolderAscends) {
-    TestDocument doc;
-    AddFile(doc.GetRootItem(), u"b"_s);
-    AddFile(doc.GetRootItem(), u"a"_s);
-    Panes panes(doc);
-    EXPECT_EQ(Arrow(panes.list, 0), 0);
+    // A folder that the walk left unsorted ascends at the first click.
+    AddFile(pFolder, u"0.txt"_s);
+    pFolder->m_anSortState[0] = 0;
+    panes.tree.TreeCtrl().setCurrentItem(panes.tree.FindItemByNode(pFolder));
+    EXPECT_EQ(Arrows(panes.list), (std::vector<int>{0, 0, 0, 0}));
     panes.list.SortByColumn(0);
-    EXPECT_EQ(RowNames(panes.list), (QStringList{u"a"_s, u"b"_s}));
-    EXPECT_EQ(Arrow(panes.list, 0), 1);
+    EXPECT_EQ(ListRows(panes.list), (QStringList{u"Inner"_s, u"0.txt"_s, u"a.txt"_s, u"b.txt"_s}));
+    EXPECT_EQ(Arrows(panes.list), (std::vector<int>{1, 0, 0, 0}));
 }
 
 // Records the commands that reach the list.
@@ -159,7 +152,7 @@ TEST_F(ListFixture, DoubleClickOpensFoldersThroughTheTreeAndFilesByCommand) {
     doubleClick(pReport->visualRect(pReport->model()->index(0, 0)).center());
     EXPECT_EQ(doc.GetCurrentFolder(), pFolder);
     EXPECT_TRUE(panes.tree.FindItemByNode(pFolder)->isSelected());
-    EXPECT_EQ(RowNames(panes.list).first(), u"Inner"_s);
+    EXPECT_EQ(ListRows(panes.list).first(), u"Inner"_s);
 }
 
 TEST_F(ListFixture, CtrlASelectsEveryRowAndViewFileNeedsExactlyOne) {
@@ -217,10 +210,11 @@ TEST_F(ListFixture, TipShowsTheWholeTextOfACutCellOnly) {
     QTreeView* pReport = panes.list.ListCtrl().ReportView();
     const QPoint longCell = pReport->visualRect(pReport->model()->index(3, 0)).center();
     const QPoint shortCell = pReport->visualRect(pReport->model()->index(1, 0)).center();
-    EXPECT_EQ(panes.list.ListCtrl().CutCellTextAt(longCell),
-              u"a rather long file name that no narrow column can hold.txt"_s);
-    EXPECT_EQ(panes.list.ListCtrl().CutCellTextAt(shortCell), QString());
-    EXPECT_EQ(panes.list.ListCtrl().CutCellTextAt(QPoint(5, 390)), QString());
+    COvListCtrl& ctrl = panes.list.ListCtrl();
+    EXPECT_EQ((QStringList{ctrl.CutCellTextAt(longCell), ctrl.CutCellTextAt(shortCell),
+                           ctrl.CutCellTextAt(QPoint(5, 390))}),
+              (QStringList{u"a rather long file name that no narrow column can hold.txt"_s,
+                           QString(), QString()}));
 }
 
 TEST(FileList, TemporaryFilesGoWithTheList) {

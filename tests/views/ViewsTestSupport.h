@@ -1,11 +1,15 @@
 // A document and trees built in memory for the views' tests: the views only read nodes.
 #pragma once
 
+#include "CFileListView.h"
+#include "CFolderTreeView.h"
 #include "COvDataItem.h"
 #include "IOvDocument.h"
 #include "TvnText.h"
 
 #include <QString>
+#include <QStringList>
+#include <QTreeWidgetItem>
 #include <memory>
 
 class TestDocument : public IOvDocument {
@@ -42,4 +46,29 @@ inline COvDataItem* AddFile(COvDataItem* pParent, const QString& name, uint64_t 
     return pParent->AddChild(pParent->m_strPath + pParent->m_strName + u'\\' + name,
                              COvDataItem::KindFile, static_cast<uint32_t>(size),
                              static_cast<uint32_t>(size >> 32));
+}
+
+inline QStringList ListRows(CFileListView& list) {
+    QStringList names;
+    const COvListModel& model = list.ListCtrl().Model();
+    for (int i = 0; i < model.rowCount(); ++i) {
+        names << model.NodeAt(i)->m_strName;
+    }
+    return names;
+}
+
+// Every folder of the tree as a path of item texts; expanding inserts the subfolders.
+inline void CollectTree(QTreeWidgetItem* pItem, const QString& parent, QStringList& paths) {
+    const QString path = parent.isEmpty() ? pItem->text(0) : parent + u'/' + pItem->text(0);
+    paths << path;
+    pItem->setExpanded(true);
+    for (int i = 0; i < pItem->childCount(); ++i) {
+        CollectTree(pItem->child(i), path, paths);
+    }
+}
+
+inline QStringList TreePaths(CFolderTreeView& tree) {
+    QStringList paths;
+    CollectTree(tree.TreeCtrl().topLevelItem(0), QString(), paths);
+    return paths;
 }
