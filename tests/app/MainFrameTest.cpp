@@ -1,9 +1,7 @@
-// The main frame: its least width, its place between runs, and the order in which its route
+// The main frame: its place between runs, and the order in which its route
 // asks the panes and itself.
 #include "AppTestSupport.h"
 #include "CMainFrame.h"
-#include "COvCommandView.h"
-#include "CProgressDlg.h"
 #include "CRegistry.h"
 #include "RegTypes.h"
 #include "ScalarReg.h"
@@ -11,8 +9,8 @@
 
 #include <QApplication>
 #include <QMenu>
-#include <QSplitter>
 #include <gtest/gtest.h>
+#include <optional>
 
 namespace {
 
@@ -36,77 +34,55 @@ protected:
     toolkittest::CommittedSkin m_skin;
 };
 
-TEST_F(MainFrameTest, HasItsLeastWidthAndItsPanes) {
-    CMainFrame frame;
-    EXPECT_EQ(frame.minimumWidth(), CMainFrame::kMinTrackWidth);
-    frame.resize(CMainFrame::kDefaultSize);
-    frame.show();
-    QCoreApplication::processEvents();
-    EXPECT_EQ(frame.CommandView()->height(), CMainFrame::kCommandBarHeight);
-    EXPECT_EQ(frame.Splitter()->sizes().value(0), CMainFrame::kLeftPaneWidth);
-    EXPECT_TRUE(frame.ProgressDialog() != nullptr && frame.ProgressDialog()->isHidden());
-}
-
 TEST_F(MainFrameTest, ReadsThePlacementOnlyWhenEveryValueIsThere) {
+    const char16_t* const names[] = {u"OvWnd_PosX", u"OvWnd_PosY", u"OvWnd_PosW", u"OvWnd_PosH",
+                                     u"OvWnd_PosS"};
     struct Case {
-        std::vector<std::pair<const char16_t*, int32_t>> values;
-        bool bRead;
-        Placement expected;
+        // Stored under the names from the first one on.
+        std::vector<int32_t> values;
+        size_t nFirst = 0;
+        std::optional<Placement> read = std::nullopt;
     };
     const Case cases[] = {
-        {{}, false, {}},
-        {{{u"OvWnd_PosS", 1}}, false, {}},
-        {{{u"OvWnd_PosX", 10}, {u"OvWnd_PosY", 20}, {u"OvWnd_PosW", 640}, {u"OvWnd_PosH", 480}},
-         false,
-         {}},
-        {{{u"OvWnd_PosX", 10},
-          {u"OvWnd_PosY", 20},
-          {u"OvWnd_PosW", 640},
-          {u"OvWnd_PosH", 480},
-          {u"OvWnd_PosS", 0}},
-         true,
-         {QRect(10, 20, 640, 480), false}},
-        {{{u"OvWnd_PosX", -5},
-          {u"OvWnd_PosY", 7},
-          {u"OvWnd_PosW", 0},
-          {u"OvWnd_PosH", 0},
-          {u"OvWnd_PosS", 1}},
-         true,
-         {QRect(-5, 7, 0, 0), true}},
+        {.values = {}},
+        {.values = {1}, .nFirst = 4},
+        {.values = {10, 20, 640, 480}},
+        {.values = {10, 20, 640, 480, 0}, .read = Placement{QRect(10, 20, 640, 480), false}},
+        {.values = {-5, 7, 0, 0, 1}, .read = Placement{QRect(-5, 7, 0, 0), true}},
     };
     for (const Case& c : cases) {
         ClearSettings();
-        for (const auto& [pName, nValue] : c.values) {
-            Store(pName, nValue);
+        for (size_t i = 0; i < c.values.size(); ++i) {
+            Store(names[c.nFirst + i], c.values[i]);
         }
         Placement placement;
-        ASSERT_EQ(CMainFrame::ReadPlacement(placement), c.bRead) << c.values.size();
-        if (c.bRead) {
-            EXPECT_EQ(placement.rect, c.expected.rect);
-            EXPECT_EQ(placement.bMaximised, c.expected.bMaximised);
+        ASSERT_EQ(CMainFrame::ReadPlacement(placement), c.read.has_value()) << c.values.size();
+        if (c.read) {
+            EXPECT_EQ(placement.rect, c.read->rect);
+            EXPECT_EQ(placement.bMaximised, c.read->bMaximised);
         }
     }
 }
 
 TEST_F(MainFrameTest, ShowsAtTheDefaultSizeOrMaximisedOrWhereItWas) {
-    {
-        Store(u"OvWnd_PosS", 1);
+    const std::optional<Placement> saved[] = {std::nullopt,
+                                              Placement{QRect(30, 40, 700, 500), false},
+                                              Placement{QRect(30, 40, 700, 500), true}};
+    for (const std::optional<Placement>& placement : saved) {
+        ClearSettings();
+        if (placement) {
+            CMainFrame::WritePlacement(*placement);
+        } else {
+            Store(u"OvWnd_PosS", 1);
+        }
         CMainFrame frame;
         frame.ShowAtSavedPlacement();
-        EXPECT_FALSE(frame.isMaximized());
-        EXPECT_EQ(frame.size(), CMainFrame::kDefaultSize);
-    }
-    CMainFrame::WritePlacement({QRect(30, 40, 700, 500), false});
-    {
-        CMainFrame frame;
-        frame.ShowAtSavedPlacement();
-        EXPECT_EQ(frame.geometry(), QRect(30, 40, 700, 500));
-    }
-    CMainFrame::WritePlacement({QRect(30, 40, 700, 500), true});
-    {
-        CMainFrame frame;
-        frame.ShowAtSavedPlacement();
-        EXPECT_TRUE(frame.isMaximized());
+        EXPECT_EQ(frame.isMaximized(), placement && placement->bMaximised);
+        if (!frame.isMaximized()) {
+            EXPECT_EQ(frame.geometry(),
+                      placement ? placement->rect
+                                : QRect(frame.geometry().topLeft(), CMainFrame::kDefaultSize));
+        }
     }
 }
 
