@@ -10,7 +10,6 @@
 #include "ToolkitTestSupport.h"
 
 #include <QEventLoop>
-#include <QPainter>
 #include <QTimer>
 #include <gtest/gtest.h>
 
@@ -127,12 +126,6 @@ TEST_F(CommandViewTest, ADisabledButtonIsItsNormalPictureFaded) {
     const int nFaded = strongest(render(false));
     EXPECT_GT(nFaded, 60);
     EXPECT_LT(nFaded, 160);
-}
-
-TEST_F(CommandViewTest, BarIsPaintedInItsOwnColour) {
-    m_view.resize(200, 37);
-    const QImage image = m_view.grab().toImage();
-    EXPECT_EQ(image.pixelColor(150, 33), QColor(0x53, 0x58, 0x60));
 }
 
 // Run by CTest in a process of its own at a scale factor of 1.5.

@@ -5,6 +5,7 @@
 
 #include <QMenu>
 #include <gtest/gtest.h>
+#include <tuple>
 
 namespace {
 
@@ -37,55 +38,51 @@ protected:
     CGXTFrameWnd m_frame;
 };
 
-TEST_F(FrameTest, EachPointOfTheWindowHasItsPart) {
+TEST_F(FrameTest, EachPointOfTheWindowHasItsPartAndButton) {
+    using enum CGXTFrameWnd::Hit;
     struct Case {
         QPoint pt;
         Hit hit;
+        int nClick = CGXTFrameWnd::kClickNone;
+        int nHover = CGXTFrameWnd::kHoverNone;
     };
     const Case cases[] = {
-        {kBand, CGXTFrameWnd::kHitCaption},
-        {{400, 1}, CGXTFrameWnd::kHitTop},
-        {{3, 200}, CGXTFrameWnd::kHitLeft},
-        {{797, 200}, CGXTFrameWnd::kHitRight},
-        {{400, 396}, CGXTFrameWnd::kHitBottom},
-        {{400, 392}, CGXTFrameWnd::kHitClient},
-        {{2, 2}, CGXTFrameWnd::kHitTopLeft},
-        {{2, 10}, CGXTFrameWnd::kHitTopLeft},
-        {{797, 2}, CGXTFrameWnd::kHitTopRight},
-        {{2, 397}, CGXTFrameWnd::kHitBottomLeft},
-        {{797, 390}, CGXTFrameWnd::kHitBottomRight},
-        {{400, 200}, CGXTFrameWnd::kHitClient},
-        {{6, 44}, CGXTFrameWnd::kHitClient},
-        {{400, 43}, CGXTFrameWnd::kHitNowhere},
-        {{kCloseX, kButtonY}, CGXTFrameWnd::kHitCaption},
-        {{900, 20}, CGXTFrameWnd::kHitNowhere},
+        {kBand, kHitCaption},
+        {{400, 1}, kHitTop},
+        {{3, 200}, kHitLeft},
+        {{797, 200}, kHitRight},
+        {{400, 396}, kHitBottom},
+        {{400, 392}, kHitClient},
+        {{2, 2}, kHitTopLeft},
+        {{2, 10}, kHitTopLeft},
+        {{797, 2}, kHitTopRight},
+        {{2, 397}, kHitBottomLeft},
+        {{797, 390}, kHitBottomRight},
+        {{400, 200}, kHitClient},
+        {{6, 44}, kHitClient},
+        {{400, 43}, kHitNowhere},
+        {{900, 20}, kHitNowhere},
+        {{kCloseX, kButtonY}, kHitCaption, CGXTFrameWnd::kClickClose, CGXTFrameWnd::kHoverClose},
+        {{kMaxX, kButtonY},
+         kHitCaption,
+         CGXTFrameWnd::kClickMaximise,
+         CGXTFrameWnd::kHoverMaximise},
+        {{kMinX, kButtonY},
+         kHitCaption,
+         CGXTFrameWnd::kClickMinimise,
+         CGXTFrameWnd::kHoverMinimise},
+        {{kUpdateX, kButtonY}, kHitCaption, CGXTFrameWnd::kClickUpdate, CGXTFrameWnd::kHoverUpdate},
+        {kIcon, kHitCaption, CGXTFrameWnd::kClickIcon},
+        {{kCloseX, 4}, kHitCaption, CGXTFrameWnd::kClickClose, CGXTFrameWnd::kHoverClose},
+        {{kCloseX, 3}, kHitTop},
+        {{kCloseX, 33}, kHitCaption},
+        {{kMaxX + 15, kButtonY}, kHitCaption},
     };
     for (const Case& c : cases) {
-        EXPECT_EQ(m_frame.HitTest(c.pt), c.hit) << c.pt.x() << "," << c.pt.y();
-    }
-}
-
-TEST_F(FrameTest, CaptionButtonsAndIconHaveClickAndHoverCodes) {
-    struct Case {
-        QPoint pt;
-        int nClick;
-        int nHover;
-    };
-    const Case cases[] = {
-        {{kCloseX, kButtonY}, CGXTFrameWnd::kClickClose, CGXTFrameWnd::kHoverClose},
-        {{kMaxX, kButtonY}, CGXTFrameWnd::kClickMaximise, CGXTFrameWnd::kHoverMaximise},
-        {{kMinX, kButtonY}, CGXTFrameWnd::kClickMinimise, CGXTFrameWnd::kHoverMinimise},
-        {{kUpdateX, kButtonY}, CGXTFrameWnd::kClickUpdate, CGXTFrameWnd::kHoverUpdate},
-        {{20, 20}, CGXTFrameWnd::kClickIcon, CGXTFrameWnd::kHoverNone},
-        {{kCloseX, 4}, CGXTFrameWnd::kClickClose, CGXTFrameWnd::kHoverClose},
-        {{kCloseX, 3}, CGXTFrameWnd::kClickNone, CGXTFrameWnd::kHoverNone},
-        {{kCloseX, 33}, CGXTFrameWnd::kClickNone, CGXTFrameWnd::kHoverNone},
-        {{kMaxX + 15, kButtonY}, CGXTFrameWnd::kClickNone, CGXTFrameWnd::kHoverNone},
-        {{400, 20}, CGXTFrameWnd::kClickNone, CGXTFrameWnd::kHoverNone},
-    };
-    for (const Case& c : cases) {
-        EXPECT_EQ(m_frame.ClickCode(c.pt), c.nClick) << c.pt.x() << "," << c.pt.y();
-        EXPECT_EQ(m_frame.HoverCode(c.pt), c.nHover) << c.pt.x() << "," << c.pt.y();
+        EXPECT_EQ(
+            (std::tuple{m_frame.HitTest(c.pt), m_frame.ClickCode(c.pt), m_frame.HoverCode(c.pt)}),
+            (std::tuple{c.hit, c.nClick, c.nHover}))
+            << c.pt.x() << "," << c.pt.y();
     }
 }
 

@@ -28,9 +28,7 @@ protected:
     ReaderCallback() {
         g_pImageReader = &m_reader;
         m_pFrame = std::make_unique<CMainFrame>();
-        m_pTree = new CFolderTreeView(&m_doc);
-        m_pList = new CFileListView(&m_doc);
-        m_pFrame->SetPanes(m_pTree, m_pList);
+        m_pFrame->SetPanes(new CFolderTreeView(&m_doc), new CFileListView(&m_doc));
         m_pFrame->resize(CMainFrame::kDefaultSize);
         m_pFrame->show();
         QCoreApplication::processEvents();
@@ -52,8 +50,6 @@ protected:
     CImageReader m_reader{QStringLiteral(FAKEQMZ_PATH)};
     COvrinDoc m_doc;
     std::unique_ptr<CMainFrame> m_pFrame;
-    CFolderTreeView* m_pTree = nullptr;
-    CFileListView* m_pList = nullptr;
 };
 
 struct NoticeCase {

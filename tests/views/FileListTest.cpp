@@ -12,6 +12,7 @@
 #include <QTest>
 #include <QTreeView>
 #include <gtest/gtest.h>
+#include <optional>
 
 namespace {
 
@@ -62,25 +63,27 @@ struct ListFixture : ::testing::Test {
         // The walk leaves each folder sorted by name, and says so.
         pRoot->m_anSortState[0] = 1;
         pFolder->m_anSortState[0] = 1;
+        panes.emplace(doc);
+        panes->list.show();
     }
     TestDocument doc;
     COvDataItem* pFolder = nullptr;
+    std::optional<Panes> panes;
 };
 
 TEST_F(ListFixture, HintsRefillTheListFromTheCurrentFolder) {
-    Panes panes(doc);
-    EXPECT_EQ(ListRows(panes.list), (QStringList{u"Sub"_s, u"m.bin"_s, u"z.bin"_s}));
-    panes.tree.TreeCtrl().setCurrentItem(panes.tree.FindItemByNode(pFolder));
-    EXPECT_EQ(ListRows(panes.list), (QStringList{u"Inner"_s, u"a.txt"_s, u"b.txt"_s}));
+    EXPECT_EQ(ListRows(panes->list), (QStringList{u"Sub"_s, u"m.bin"_s, u"z.bin"_s}));
+    panes->tree.TreeCtrl().setCurrentItem(panes->tree.FindItemByNode(pFolder));
+    EXPECT_EQ(ListRows(panes->list), (QStringList{u"Inner"_s, u"a.txt"_s, u"b.txt"_s}));
     // Without a current folder the rows stay until a hint brings one.
     doc.SetCurrentFolder(nullptr);
     doc.UpdateAllViews(nullptr, kHintCurrentFolder);
-    EXPECT_EQ(panes.list.ListCtrl().Model().rowCount(), 3);
+    EXPECT_EQ(panes->list.ListCtrl().Model().rowCount(), 3);
     // A new tree reaches the list through the tree's selection of the new root.
     COvDataItem* pRoot = doc.ReplaceRoot(u"EMPTY"_s);
-    doc.UpdateAllViews(&panes.list, kHintNewTree);
+    doc.UpdateAllViews(&panes->list, kHintNewTree);
     EXPECT_EQ(doc.GetCurrentFolder(), pRoot);
-    EXPECT_EQ(panes.list.ListCtrl().Model().rowCount(), 0);
+    EXPECT_EQ(panes->list.ListCtrl().Model().rowCount(), 0);
 }
 
 TEST_F(ListFixture, HeadingClicksCycleOrderAndArrowsPerFolder) {
@@ -96,28 +99,26 @@ TEST_F(ListFixture, HeadingClicksCycleOrderAndArrowsPerFolder) {
         {1, {0, -1, 0, 0}, {u"m.bin"_s, u"z.bin"_s, u"Sub"_s}},
         {3, {0, 0, 0, 1}, {u"Sub"_s, u"z.bin"_s, u"m.bin"_s}},
     };
-    Panes panes(doc);
-    panes.list.show();
     for (const auto& step : steps) {
-        ClickHeading(panes.list, step.nColumn);
-        EXPECT_EQ(ListRows(panes.list), step.names) << step.nColumn;
+        ClickHeading(panes->list, step.nColumn);
+        EXPECT_EQ(ListRows(panes->list), step.names) << step.nColumn;
         EXPECT_EQ(SortStates(*doc.GetRootItem()), step.states) << step.nColumn;
-        EXPECT_EQ(Arrows(panes.list), step.states) << step.nColumn;
+        EXPECT_EQ(Arrows(panes->list), step.states) << step.nColumn;
     }
     // Another folder shows its own order and arrow; back in the first, both are as they were.
-    panes.tree.TreeCtrl().setCurrentItem(panes.tree.FindItemByNode(pFolder));
-    EXPECT_EQ(Arrows(panes.list), (std::vector<int>{1, 0, 0, 0}));
-    panes.tree.TreeCtrl().setCurrentItem(panes.tree.TreeCtrl().topLevelItem(0));
-    EXPECT_EQ(Arrows(panes.list), (std::vector<int>{0, 0, 0, 1}));
+    panes->tree.TreeCtrl().setCurrentItem(panes->tree.FindItemByNode(pFolder));
+    EXPECT_EQ(Arrows(panes->list), (std::vector<int>{1, 0, 0, 0}));
+    panes->tree.TreeCtrl().setCurrentItem(panes->tree.TreeCtrl().topLevelItem(0));
+    EXPECT_EQ(Arrows(panes->list), (std::vector<int>{0, 0, 0, 1}));
 
     // A folder that the walk left unsorted ascends at the first click.
     AddFile(pFolder, u"0.txt"_s);
     pFolder->m_anSortState[0] = 0;
-    panes.tree.TreeCtrl().setCurrentItem(panes.tree.FindItemByNode(pFolder));
-    EXPECT_EQ(Arrows(panes.list), (std::vector<int>{0, 0, 0, 0}));
-    panes.list.SortByColumn(0);
-    EXPECT_EQ(ListRows(panes.list), (QStringList{u"Inner"_s, u"0.txt"_s, u"a.txt"_s, u"b.txt"_s}));
-    EXPECT_EQ(Arrows(panes.list), (std::vector<int>{1, 0, 0, 0}));
+    panes->tree.TreeCtrl().setCurrentItem(panes->tree.FindItemByNode(pFolder));
+    EXPECT_EQ(Arrows(panes->list), (std::vector<int>{0, 0, 0, 0}));
+    panes->list.SortByColumn(0);
+    EXPECT_EQ(ListRows(panes->list), (QStringList{u"Inner"_s, u"0.txt"_s, u"a.txt"_s, u"b.txt"_s}));
+    EXPECT_EQ(Arrows(panes->list), (std::vector<int>{1, 0, 0, 0}));
 }
 
 // Records the commands that reach the list.
@@ -134,11 +135,9 @@ public:
 };
 
 TEST_F(ListFixture, DoubleClickOpensFoldersThroughTheTreeAndFilesByCommand) {
-    Panes panes(doc);
-    panes.list.show();
     CommandSpy spy;
-    panes.list.installEventFilter(&spy);
-    QTreeView* pReport = panes.list.ListCtrl().ReportView();
+    panes->list.installEventFilter(&spy);
+    QTreeView* pReport = panes->list.ListCtrl().ReportView();
     const auto doubleClick = [&](QPoint at) {
         // A double click starts with a click: the view opens only the row it was pressed on.
         QTest::mouseClick(pReport->viewport(), Qt::LeftButton, Qt::NoModifier, at);
@@ -151,24 +150,22 @@ TEST_F(ListFixture, DoubleClickOpensFoldersThroughTheTreeAndFilesByCommand) {
     EXPECT_EQ(spy.m_vecCommands, std::vector<int>{kCmdViewFile});
     doubleClick(pReport->visualRect(pReport->model()->index(0, 0)).center());
     EXPECT_EQ(doc.GetCurrentFolder(), pFolder);
-    EXPECT_TRUE(panes.tree.FindItemByNode(pFolder)->isSelected());
-    EXPECT_EQ(ListRows(panes.list).first(), u"Inner"_s);
+    EXPECT_TRUE(panes->tree.FindItemByNode(pFolder)->isSelected());
+    EXPECT_EQ(ListRows(panes->list).first(), u"Inner"_s);
 }
 
 TEST_F(ListFixture, CtrlASelectsEveryRowAndViewFileNeedsExactlyOne) {
-    Panes panes(doc);
-    panes.list.show();
     CommandState state;
-    ASSERT_TRUE(panes.list.OnUpdateCommand(kCmdViewFile, state));
+    ASSERT_TRUE(panes->list.OnUpdateCommand(kCmdViewFile, state));
     EXPECT_FALSE(state.bEnabled);
-    QTreeView* pReport = panes.list.ListCtrl().ReportView();
+    QTreeView* pReport = panes->list.ListCtrl().ReportView();
     QTest::mouseClick(pReport->viewport(), Qt::LeftButton, Qt::NoModifier,
                       pReport->visualRect(pReport->model()->index(2, 0)).center());
-    panes.list.OnUpdateCommand(kCmdViewFile, state);
+    panes->list.OnUpdateCommand(kCmdViewFile, state);
     EXPECT_TRUE(state.bEnabled);
     QTest::keyClick(pReport, Qt::Key_A, Qt::ControlModifier);
-    EXPECT_EQ(panes.list.ListCtrl().SelectedRowCount(), 3);
-    panes.list.OnUpdateCommand(kCmdViewFile, state);
+    EXPECT_EQ(panes->list.ListCtrl().SelectedRowCount(), 3);
+    panes->list.OnUpdateCommand(kCmdViewFile, state);
     EXPECT_FALSE(state.bEnabled);
 }
 
@@ -184,33 +181,30 @@ TEST_F(ListFixture, ViewCommandsSwitchModes) {
         {kCmdList, COvListCtrl::ModeList, false, QListView::ListMode},
         {kCmdReport, COvListCtrl::ModeReport, true, QListView::ListMode},
     };
-    Panes panes(doc);
-    panes.list.show();
-    EXPECT_EQ(panes.list.ViewMode(), COvListCtrl::ModeReport);
+    EXPECT_EQ(panes->list.ViewMode(), COvListCtrl::ModeReport);
     for (const auto& c : cases) {
-        EXPECT_TRUE(panes.list.OnCommand(c.nCommand));
-        EXPECT_EQ(panes.list.ViewMode(), c.nMode);
-        COvListCtrl& ctrl = panes.list.ListCtrl();
+        EXPECT_TRUE(panes->list.OnCommand(c.nCommand));
+        EXPECT_EQ(panes->list.ViewMode(), c.nMode);
+        COvListCtrl& ctrl = panes->list.ListCtrl();
         EXPECT_EQ(ctrl.ReportView()->isVisible(), c.bReport);
         EXPECT_EQ(ctrl.IconView()->isVisible(), !c.bReport);
         if (!c.bReport) {
             EXPECT_EQ(ctrl.IconView()->viewMode(), c.listMode);
         }
         CommandState state;
-        EXPECT_TRUE(panes.list.OnUpdateCommand(c.nCommand, state));
+        EXPECT_TRUE(panes->list.OnUpdateCommand(c.nCommand, state));
         EXPECT_TRUE(state.bChecked);
     }
-    EXPECT_FALSE(panes.list.OnCommand(9999));
+    EXPECT_FALSE(panes->list.OnCommand(9999));
 }
 
 TEST_F(ListFixture, TipShowsTheWholeTextOfACutCellOnly) {
     AddFile(doc.GetRootItem(), u"a rather long file name that no narrow column can hold.txt"_s);
-    Panes panes(doc);
-    panes.list.show();
-    QTreeView* pReport = panes.list.ListCtrl().ReportView();
+    doc.UpdateAllViews(nullptr, kHintCurrentFolder);
+    QTreeView* pReport = panes->list.ListCtrl().ReportView();
     const QPoint longCell = pReport->visualRect(pReport->model()->index(3, 0)).center();
     const QPoint shortCell = pReport->visualRect(pReport->model()->index(1, 0)).center();
-    COvListCtrl& ctrl = panes.list.ListCtrl();
+    COvListCtrl& ctrl = panes->list.ListCtrl();
     EXPECT_EQ((QStringList{ctrl.CutCellTextAt(longCell), ctrl.CutCellTextAt(shortCell),
                            ctrl.CutCellTextAt(QPoint(5, 390))}),
               (QStringList{u"a rather long file name that no narrow column can hold.txt"_s,
