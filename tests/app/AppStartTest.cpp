@@ -278,17 +278,22 @@ TEST(AppStart, WithoutALanguageTableTheSystemsBoxTellsAndTheStartEnds) {
     EXPECT_EQ(app.ExitInstance(), 0);
 }
 
-// A person starts the program on an image and double-clicks a folder in the list.
-TEST(AppStart, AnImageOnTheCommandLineIsShownAndWalkedInto) {
-    const ts::TempDir temp;
+// An image that xorriso makes of docs/a.txt, docs/inner/b.txt and top.txt.
+QString MadeImage(const ts::TempDir& temp) {
     std::filesystem::create_directories(temp / "src/docs/inner");
     ts::WriteFile(temp / "src/docs/a.txt", ts::PatternBytes(100, 1));
     ts::WriteFile(temp / "src/docs/inner/b.txt", ts::PatternBytes(50, 2));
     ts::WriteFile(temp / "src/top.txt", ts::PatternBytes(300, 3));
     const std::filesystem::path image = temp / "made.iso";
-    ASSERT_TRUE(ts::RunCommand("xorriso -as mkisofs -quiet -R -J -V MADE -o " + ts::Quote(image) +
+    EXPECT_TRUE(ts::RunCommand("xorriso -as mkisofs -quiet -R -J -V MADE -o " + ts::Quote(image) +
                                " " + ts::Quote(temp / "src")));
-    const QString path = QString::fromStdString(image.string());
+    return QString::fromStdString(image.string());
+}
+
+// A person starts the program on an image and double-clicks a folder in the list.
+TEST(AppStart, AnImageOnTheCommandLineIsShownAndWalkedInto) {
+    const ts::TempDir temp;
+    const QString path = MadeImage(temp);
 
     BoxCatcher boxes;
     COvrinApp app({u"ovrin"_s, path}, SourceSetup());
@@ -338,11 +343,7 @@ TEST(AppStart, TheFirstPaintOptionEndsTheRunOnceTheImagesTreeIsPainted) {
     constexpr int kGiveUpMs = 20'000;
     constexpr int kGaveUp = 99;
     const ts::TempDir temp;
-    std::filesystem::create_directories(temp / "src/docs");
-    ts::WriteFile(temp / "src/docs/a.txt", ts::PatternBytes(100, 1));
-    const std::filesystem::path image = temp / "made.iso";
-    ASSERT_TRUE(ts::RunCommand("xorriso -as mkisofs -quiet -R -J -V MADE -o " + ts::Quote(image) +
-                               " " + ts::Quote(temp / "src")));
+    const QString path = MadeImage(temp);
 
     qputenv("OVRIN_QUIT_AFTER_FIRST_PAINT", "1");
     TreePaintCounter counter;
@@ -352,7 +353,7 @@ TEST(AppStart, TheFirstPaintOptionEndsTheRunOnceTheImagesTreeIsPainted) {
     giveUp.setSingleShot(true);
     QObject::connect(&giveUp, &QTimer::timeout, [] { QCoreApplication::exit(kGaveUp); });
     giveUp.start(kGiveUpMs);
-    COvrinApp app({u"ovrin"_s, QString::fromStdString(image.string())}, SourceSetup());
+    COvrinApp app({u"ovrin"_s, path}, SourceSetup());
     const int nResult = app.Run();
     qApp->removeEventFilter(&counter);
     qunsetenv("OVRIN_QUIT_AFTER_FIRST_PAINT");

@@ -40,44 +40,38 @@ protected:
 
 TEST_F(FrameTest, EachPointOfTheWindowHasItsPartAndButton) {
     using enum CGXTFrameWnd::Hit;
+    using enum CGXTFrameWnd::Click;
+    using enum CGXTFrameWnd::Hover;
     struct Case {
         QPoint pt;
         Hit hit;
-        int nClick = CGXTFrameWnd::kClickNone;
-        int nHover = CGXTFrameWnd::kHoverNone;
+        int nClick = kClickNone;
+        int nHover = kHoverNone;
     };
-    const Case cases[] = {
-        {kBand, kHitCaption},
-        {{400, 1}, kHitTop},
-        {{3, 200}, kHitLeft},
-        {{797, 200}, kHitRight},
-        {{400, 396}, kHitBottom},
-        {{400, 392}, kHitClient},
-        {{2, 2}, kHitTopLeft},
-        {{2, 10}, kHitTopLeft},
-        {{797, 2}, kHitTopRight},
-        {{2, 397}, kHitBottomLeft},
-        {{797, 390}, kHitBottomRight},
-        {{400, 200}, kHitClient},
-        {{6, 44}, kHitClient},
-        {{400, 43}, kHitNowhere},
-        {{900, 20}, kHitNowhere},
-        {{kCloseX, kButtonY}, kHitCaption, CGXTFrameWnd::kClickClose, CGXTFrameWnd::kHoverClose},
-        {{kMaxX, kButtonY},
-         kHitCaption,
-         CGXTFrameWnd::kClickMaximise,
-         CGXTFrameWnd::kHoverMaximise},
-        {{kMinX, kButtonY},
-         kHitCaption,
-         CGXTFrameWnd::kClickMinimise,
-         CGXTFrameWnd::kHoverMinimise},
-        {{kUpdateX, kButtonY}, kHitCaption, CGXTFrameWnd::kClickUpdate, CGXTFrameWnd::kHoverUpdate},
-        {kIcon, kHitCaption, CGXTFrameWnd::kClickIcon},
-        {{kCloseX, 4}, kHitCaption, CGXTFrameWnd::kClickClose, CGXTFrameWnd::kHoverClose},
-        {{kCloseX, 3}, kHitTop},
-        {{kCloseX, 33}, kHitCaption},
-        {{kMaxX + 15, kButtonY}, kHitCaption},
-    };
+    const Case cases[] = {{kBand, kHitCaption},
+                          {{400, 1}, kHitTop},
+                          {{3, 200}, kHitLeft},
+                          {{797, 200}, kHitRight},
+                          {{400, 396}, kHitBottom},
+                          {{400, 392}, kHitClient},
+                          {{2, 2}, kHitTopLeft},
+                          {{2, 10}, kHitTopLeft},
+                          {{797, 2}, kHitTopRight},
+                          {{2, 397}, kHitBottomLeft},
+                          {{797, 390}, kHitBottomRight},
+                          {{400, 200}, kHitClient},
+                          {{6, 44}, kHitClient},
+                          {{400, 43}, kHitNowhere},
+                          {{900, 20}, kHitNowhere},
+                          {{kCloseX, kButtonY}, kHitCaption, kClickClose, kHoverClose},
+                          {{kMaxX, kButtonY}, kHitCaption, kClickMaximise, kHoverMaximise},
+                          {{kMinX, kButtonY}, kHitCaption, kClickMinimise, kHoverMinimise},
+                          {{kUpdateX, kButtonY}, kHitCaption, kClickUpdate, kHoverUpdate},
+                          {kIcon, kHitCaption, kClickIcon},
+                          {{kCloseX, 4}, kHitCaption, kClickClose, kHoverClose},
+                          {{kCloseX, 3}, kHitTop},
+                          {{kCloseX, 33}, kHitCaption},
+                          {{kMaxX + 15, kButtonY}, kHitCaption}};
     for (const Case& c : cases) {
         EXPECT_EQ(
             (std::tuple{m_frame.HitTest(c.pt), m_frame.ClickCode(c.pt), m_frame.HoverCode(c.pt)}),

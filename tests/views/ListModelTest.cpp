@@ -36,8 +36,6 @@ TEST(ListModel, PassesTheModelTesterThroughFolderChanges) {
     // A row count that outlives the folder's children asks for no node beyond them.
     model.SetFolder(pFolder, 5);
     EXPECT_EQ(Cell(model, 4, 0), QString());
-    EXPECT_EQ(model.headerData(0, Qt::Horizontal, Qt::DisplayRole).toString(), u"Name"_s);
-    EXPECT_EQ(model.headerData(3, Qt::Horizontal, Qt::DisplayRole).toString(), u"Modified"_s);
 }
 
 TEST(ListModel, SizeCellsInKilobytesRoundedUpFoldersInBrackets) {
@@ -77,11 +75,10 @@ TEST(ListModel, NameTypeAndLocalDateCells) {
 
     COvListModel model;
     model.SetFolder(doc.GetRootItem(), 1);
-    EXPECT_EQ(Cell(model, 0, COvListModel::ColumnName), u"Read Me.txt"_s);
-    EXPECT_EQ(Cell(model, 0, COvListModel::ColumnType), u"Plain text document"_s);
-    const QString date = Cell(model, 0, COvListModel::ColumnDate);
-    EXPECT_EQ(date, FormatDateTime(when));
-    EXPECT_TRUE(date.startsWith(u' ') && date.endsWith(u' '));
+    EXPECT_EQ((QStringList{Cell(model, 0, COvListModel::ColumnName),
+                           Cell(model, 0, COvListModel::ColumnType),
+                           Cell(model, 0, COvListModel::ColumnDate)}),
+              (QStringList{u"Read Me.txt"_s, u"Plain text document"_s, FormatDateTime(when)}));
     EXPECT_EQ(model.data(model.index(0, COvListModel::ColumnSize), Qt::TextAlignmentRole)
                       .value<Qt::Alignment>() &
                   Qt::AlignRight,
