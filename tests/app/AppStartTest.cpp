@@ -2,6 +2,7 @@
 // line; with bad input there (no image, unreadable, gone while open, or an opening that the
 // person stops), after which the window still takes a good image; without a language table; and an
 // image that xorriso makes, opened by the real engine and walked into with the mouse.
+#include "../views/ViewsTestSupport.h"
 #include "AppTestSupport.h"
 #include "CAlphaButton.h"
 #include "CFileListView.h"
@@ -17,8 +18,6 @@
 #include "ToolkitTestSupport.h"
 
 #include <QDir>
-#include <QFile>
-#include <QFileInfo>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
@@ -42,14 +41,6 @@ COvrinApp::Setup SourceSetup() {
     return {QDir::cleanPath(QStringLiteral(OVRIN_LANGUAGE_DIR "/..")), QStringLiteral(QMZ_PATH)};
 }
 
-QStringList Rows(CFileListView& list) {
-    QStringList names;
-    for (int i = 0; i < list.ListCtrl().Model().rowCount(); ++i) {
-        names << list.ListCtrl().Model().NodeAt(i)->m_strName;
-    }
-    return names;
-}
-
 CFolderTreeView& TreeOf(const COvrinApp& app) {
     return *static_cast<CFolderTreeView*>(app.MainFrame()->LeftPane());
 }
@@ -58,22 +49,20 @@ CFileListView& ListOf(const COvrinApp& app) {
     return *static_cast<CFileListView*>(app.MainFrame()->RightPane());
 }
 
-// The window is there and takes input, with no job left running.
 void ExpectWorkingWindow(const COvrinApp& app) {
     CMainFrame* pFrame = app.MainFrame();
     ASSERT_NE(pFrame, nullptr);
-    EXPECT_TRUE(pFrame->isVisible());
-    EXPECT_TRUE(pFrame->isEnabled());
-    EXPECT_FALSE(pFrame->ProgressDialog()->isVisible());
-    EXPECT_NE(g_pImageReader, nullptr);
-    EXPECT_FALSE(pFrame->IsTimerRunning(CMainFrame::kTimerOpen));
-    EXPECT_FALSE(pFrame->IsTimerRunning(CMainFrame::kTimerCopy));
     CommandState state;
-    EXPECT_TRUE(pFrame->OnUpdateCommand(CMainFrame::kCommandOpen, state));
-    EXPECT_TRUE(state.bEnabled);
+    const bool bKnown = pFrame->OnUpdateCommand(CMainFrame::kCommandOpen, state);
+    // Shown and taking input, no progress and no timer, a reader, and Open enabled.
+    EXPECT_EQ((std::vector<bool>{pFrame->isVisible(), pFrame->isEnabled(),
+                                 pFrame->ProgressDialog()->isVisible(),
+                                 pFrame->IsTimerRunning(CMainFrame::kTimerOpen),
+                                 pFrame->IsTimerRunning(CMainFrame::kTimerCopy),
+                                 g_pImageReader != nullptr, bKnown && state.bEnabled}),
+              (std::vector<bool>{true, true, false, false, false, true, true}));
 }
 
-constexpr size_t kNoiseBytes = 64 * 1024;
 constexpr auto kNoAccess = std::filesystem::perms::none;
 // The engine double's scan reports "running" this often, so a stop always comes mid-scan.
 constexpr const char* kLongListing = "volume LONG\nwait-running 100000000\nd 0 Docs\n";
@@ -118,7 +107,6 @@ struct StartCase {
     std::function<QString(const Images&)> make = {};
     // What the person does once while the opening runs; true once it was done.
     std::function<bool(CMainFrame&)> whileOpening = {};
-    // What the person does once the window is up.
     std::function<void(COvrinApp&, const QString&)> afterwards = {};
     bool bReported = false;
     // The tree's root and the folders below it.
@@ -135,58 +123,26 @@ QStringList TreeFolders(const COvrinApp& app) {
     return names;
 }
 
-// Every folder of the tree is chosen in turn, then the root, as a person clicks through them.
-void SelectEveryFolder(COvrinApp& app) {
-    QTreeWidget& tree = TreeOf(app).TreeCtrl();
-    QTreeWidgetItem* pRoot = tree.topLevelItem(0);
-    for (int i = 0; i < pRoot->childCount(); ++i) {
-        tree.setCurrentItem(pRoot->child(i));
-        QCoreApplication::processEvents();
-    }
-    tree.setCurrentItem(pRoot);
-    QCoreApplication::processEvents();
-}
-
-bool IsOpening(const CMainFrame& frame) {
-    return frame.ProgressDialog() != nullptr && frame.ProgressDialog()->isVisible();
-}
-
 bool ClickStop(CMainFrame& frame) {
-    if (!IsOpening(frame)) {
+    if (frame.ProgressDialog() == nullptr || !frame.ProgressDialog()->isVisible()) {
         return false;
     }
-    const QPoint inside(5, 5);
-    toolkittest::PressAt(*frame.ProgressDialog()->CancelButton(), inside);
-    toolkittest::ReleaseAt(*frame.ProgressDialog()->CancelButton(), inside);
+    toolkittest::Click(*frame.ProgressDialog()->CancelButton());
     return true;
 }
 
 // The image goes away under the open window; the folders already read still show.
 void Vanish(COvrinApp& app, const QString& path) {
     std::filesystem::remove(path.toStdString());
-    SelectEveryFolder(app);
-    EXPECT_EQ(Rows(ListOf(app)), (QStringList{u"A"_s, u"B"_s, u"F1.TXT"_s}));
+    QTreeWidget& tree = TreeOf(app).TreeCtrl();
+    QTreeWidgetItem* pRoot = tree.topLevelItem(0);
+    for (int i = 0; i <= pRoot->childCount(); ++i) {
+        tree.setCurrentItem(i < pRoot->childCount() ? pRoot->child(i) : pRoot);
+        QCoreApplication::processEvents();
+    }
+    EXPECT_EQ(ListRows(ListOf(app)), (QStringList{u"A"_s, u"B"_s, u"F1.TXT"_s}));
 }
 
-// Tries `act` on the frame at every turn of the event loop until it was done.
-class WhileOpening {
-public:
-    WhileOpening(const COvrinApp& app, std::function<bool(CMainFrame&)> act) {
-        QObject::connect(&m_poll, &QTimer::timeout, [this, &app, act] {
-            if (app.MainFrame() != nullptr && act(*app.MainFrame())) {
-                m_poll.stop();
-            }
-        });
-        if (act) {
-            m_poll.start(0);
-        }
-    }
-
-private:
-    QTimer m_poll;
-};
-
-// The engine is left with no image, the window takes the next one.
 void ExpectGoodOpenAfter(COvrinApp& app, const QString& good, const QStringList& goodTree) {
     ListOf(app).SetImageChooser(
         [&](QWidget*, const QString&, const QString&, const QString&) { return good; });
@@ -210,7 +166,7 @@ TEST(AppStart, BadInputIsReportedOnceAndLeavesAWorkingWindow) {
          .make = [](const Images& i) { return i.Path("missing.iso"); }},
         {.name = "random bytes",
          .make =
-             [](const Images& i) { return i.Write("noise.iso", ts::PatternBytes(kNoiseBytes, 1)); },
+             [](const Images& i) { return i.Write("noise.iso", ts::PatternBytes(64 * 1024, 1)); },
          .bReported = true},
         {.name = "an empty image",
          .make = [](const Images& i) { return i.Write("empty.iso", {}); },
@@ -243,13 +199,20 @@ TEST(AppStart, BadInputIsReportedOnceAndLeavesAWorkingWindow) {
                           << (file.isEmpty() ? QStringList() : QStringList{file}),
                       {SourceSetup().programFolder,
                        bDouble ? QStringLiteral(FAKEQMZ_PATH) : QStringLiteral(QMZ_PATH)});
-        {
-            const WhileOpening during(app, c.whileOpening);
-            ASSERT_TRUE(app.InitInstance());
+        QTimer during;
+        QObject::connect(&during, &QTimer::timeout, [&] {
+            if (app.MainFrame() != nullptr && c.whileOpening(*app.MainFrame())) {
+                during.stop();
+            }
+        });
+        if (c.whileOpening) {
+            during.start(0);
         }
+        ASSERT_TRUE(app.InitInstance());
+        during.stop();
         EXPECT_EQ(TreeFolders(app), c.tree);
         if (c.tree == kNoImageTree) {
-            EXPECT_TRUE(Rows(ListOf(app)).isEmpty());
+            EXPECT_TRUE(ListRows(ListOf(app)).isEmpty());
         }
         if (c.afterwards) {
             c.afterwards(app, file);
@@ -290,7 +253,6 @@ QString MadeImage(const ts::TempDir& temp) {
     return QString::fromStdString(image.string());
 }
 
-// A person starts the program on an image and double-clicks a folder in the list.
 TEST(AppStart, AnImageOnTheCommandLineIsShownAndWalkedInto) {
     const ts::TempDir temp;
     const QString path = MadeImage(temp);
@@ -304,7 +266,7 @@ TEST(AppStart, AnImageOnTheCommandLineIsShownAndWalkedInto) {
     CFolderTreeView& tree = TreeOf(app);
     CFileListView& list = ListOf(app);
     EXPECT_EQ(tree.TreeCtrl().topLevelItem(0)->text(0), u"MADE"_s);
-    ASSERT_EQ(Rows(list), (QStringList{u"docs"_s, u"top.txt"_s}));
+    ASSERT_EQ(ListRows(list), (QStringList{u"docs"_s, u"top.txt"_s}));
     // Types come from the desktop's file types: a folder is one, a .txt file is text.
     const QAbstractItemModel* pModel = list.ListCtrl().ReportView()->model();
     EXPECT_FALSE(pModel->index(0, 2).data().toString().isEmpty());
@@ -317,11 +279,10 @@ TEST(AppStart, AnImageOnTheCommandLineIsShownAndWalkedInto) {
     QCoreApplication::processEvents();
     ASSERT_NE(tree.TreeCtrl().currentItem(), nullptr);
     EXPECT_EQ(tree.TreeCtrl().currentItem()->text(0), u"docs"_s);
-    EXPECT_EQ(Rows(list), (QStringList{u"inner"_s, u"a.txt"_s}));
+    EXPECT_EQ(ListRows(list), (QStringList{u"inner"_s, u"a.txt"_s}));
     EXPECT_EQ(app.ExitInstance(), 0);
 }
 
-// Paints that reach the folder tree, counted as the screen would show them.
 class TreePaintCounter : public QObject {
 public:
     int m_nPaints = 0;

@@ -124,8 +124,7 @@ TEST_F(FrameTest, ClicksAndDoubleClicksChangeTheWindow) {
             m_frame.showMaximized();
             QCoreApplication::processEvents();
         }
-        PressAt(m_frame, c.pt);
-        ReleaseAt(m_frame, c.pt);
+        ClickAt(m_frame, c.pt);
         if (c.bDouble) {
             Mouse(m_frame, QEvent::MouseButtonDblClick, c.pt, Qt::LeftButton, Qt::LeftButton);
             ReleaseAt(m_frame, c.pt);
@@ -147,8 +146,7 @@ TEST_F(FrameTest, MaximisedTheSecondButtonRestoresAndTheEdgesDoNotSize) {
     EXPECT_EQ(m_frame.HoverCode(restore), CGXTFrameWnd::kHoverRestore);
     EXPECT_EQ(m_frame.HitTest({2, 200}), CGXTFrameWnd::kHitNowhere);
     EXPECT_TRUE(m_frame.mask().isEmpty());
-    PressAt(m_frame, restore);
-    ReleaseAt(m_frame, restore);
+    ClickAt(m_frame, restore);
     QCoreApplication::processEvents();
     EXPECT_FALSE(m_frame.isMaximized());
     EXPECT_FALSE(m_frame.mask().isEmpty());
@@ -158,8 +156,7 @@ TEST_F(FrameTest, WindowMenuFollowsTheWindowState) {
     Show();
     const auto enabled = [this] {
         std::vector<bool> states;
-        PressAt(m_frame, {20, 20});
-        ReleaseAt(m_frame, {20, 20});
+        ClickAt(m_frame, {20, 20});
         for (QAction* pAction : m_frame.SystemMenu()->actions()) {
             if (!pAction->isSeparator()) {
                 states.push_back(pAction->isEnabled());

@@ -58,8 +58,8 @@ TEST_F(MainFrameTest, ReadsThePlacementOnlyWhenEveryValueIsThere) {
         Placement placement;
         ASSERT_EQ(CMainFrame::ReadPlacement(placement), c.read.has_value()) << c.values.size();
         if (c.read) {
-            EXPECT_EQ(placement.rect, c.read->rect);
-            EXPECT_EQ(placement.bMaximised, c.read->bMaximised);
+            EXPECT_EQ(std::pair(placement.rect, placement.bMaximised),
+                      std::pair(c.read->rect, c.read->bMaximised));
         }
     }
 }

@@ -18,33 +18,22 @@ constexpr int kId = 8016;
 const QPoint kInside(10, 10);
 const QPoint kOutside(300, 200);
 
-enum Step { MoveIn, Press, ReleaseIn, MoveOutHeld, MoveInHeld, ReleaseOut, LeaveWindow };
+using Step = void (*)(QWidget&);
+const Step MoveIn = [](QWidget& b) { MoveTo(b, kInside); };
+const Step Press = [](QWidget& b) { PressAt(b, kInside); };
+const Step ReleaseIn = [](QWidget& b) { ReleaseAt(b, kInside); };
+const Step MoveOutHeld = [](QWidget& b) { MoveTo(b, kOutside, Qt::LeftButton); };
+const Step MoveInHeld = [](QWidget& b) { MoveTo(b, kInside, Qt::LeftButton); };
+const Step ReleaseOut = [](QWidget& b) { ReleaseAt(b, kOutside); };
+const Step LeaveWindow = [](QWidget& b) { Leave(b); };
+const Step Unpress = [](QWidget& b) {
+    static_cast<CAlphaButton&>(b).SetState(CAlphaButton::kNormal);
+};
+const Step Disable = [](QWidget& b) { static_cast<CAlphaButton&>(b).Enable(false); };
 
-template <typename Button> void Perform(Button& button, const std::vector<Step>& steps) {
+void Perform(QWidget& button, const std::vector<Step>& steps) {
     for (Step step : steps) {
-        switch (step) {
-        case MoveIn:
-            MoveTo(button, kInside);
-            break;
-        case Press:
-            PressAt(button, kInside);
-            break;
-        case ReleaseIn:
-            ReleaseAt(button, kInside);
-            break;
-        case MoveOutHeld:
-            MoveTo(button, kOutside, Qt::LeftButton);
-            break;
-        case MoveInHeld:
-            MoveTo(button, kInside, Qt::LeftButton);
-            break;
-        case ReleaseOut:
-            ReleaseAt(button, kOutside);
-            break;
-        case LeaveWindow:
-            Leave(button);
-            break;
-        }
+        step(button);
     }
 }
 
@@ -56,14 +45,16 @@ struct StateCase {
     int nCommands;
 };
 
-TEST(CAlphaButton, MouseMovesItThroughItsStatesAndAReleaseInsideCommands) {
+TEST(CAlphaButton, MouseAndOwnerMoveItThroughItsStatesAndAReleaseInsideCommands) {
     const StateCase cases[] = {
         {"hover", false, {MoveIn}, CAlphaButton::kHover, 0},
         {"leave", false, {MoveIn, LeaveWindow}, CAlphaButton::kNormal, 0},
         {"press", false, {MoveIn, Press}, CAlphaButton::kPressed, 0},
         {"click", false, {MoveIn, Press, ReleaseIn}, CAlphaButton::kNormal, 1},
         {"release outside", false, {Press, MoveOutHeld, ReleaseOut}, CAlphaButton::kNormal, 0},
-        {"keep pressed", true, {Press, ReleaseIn, LeaveWindow}, CAlphaButton::kPressed, 1},
+        {"keep pressed", true, {Press, ReleaseIn, LeaveWindow, MoveIn}, CAlphaButton::kPressed, 1},
+        {"kept until set", true, {Press, ReleaseIn, Unpress}, CAlphaButton::kNormal, 1},
+        {"disabled", true, {Press, ReleaseIn, Disable, LeaveWindow}, CAlphaButton::kDisabled, 1},
     };
     for (const auto& c : cases) {
         RecordingParent parent;
@@ -77,21 +68,6 @@ TEST(CAlphaButton, MouseMovesItThroughItsStatesAndAReleaseInsideCommands) {
             EXPECT_EQ(parent.Delivered()[0].wParam, static_cast<uintptr_t>(kId)) << c.name;
         }
     }
-}
-
-TEST(CAlphaButton, KeepPressedHoldsUntilTheStateIsSetAndDisablingShowsDisabled) {
-    RecordingParent parent;
-    CAlphaButton button;
-    button.Create(u"OK"_s, kWsVisible, QRect(0, 0, 80, 24), &parent, kId);
-    button.LoadStrip(QString(), true, false, true);
-    Perform(button, {Press, ReleaseIn, LeaveWindow, MoveIn});
-    EXPECT_EQ(button.State(), CAlphaButton::kPressed);
-    button.SetState(CAlphaButton::kNormal);
-    EXPECT_EQ(button.State(), CAlphaButton::kNormal);
-    button.Enable(false);
-    EXPECT_EQ(button.State(), CAlphaButton::kDisabled);
-    Perform(button, {LeaveWindow});
-    EXPECT_EQ(button.State(), CAlphaButton::kDisabled);
 }
 
 TEST(CGButton, MouseMovesItThroughItsStatesAndAClickPostsCommandAndNotice) {
@@ -156,7 +132,7 @@ TEST(CGButton, AHeldPressRepeatsAfter500MsThenEvery100Ms) {
     EXPECT_EQ(parent.Count(kWmCommand), 3);
 }
 
-TEST(SkinnedButtons, TabMovesBetweenThemAndSpacePressesTheFocusedOne) {
+TEST(SkinnedButtons, TabMovesTheFocusAndItsFrameAndSpacePressesTheFocusedOne) {
     RecordingParent parent;
     auto* pFirst = new CAlphaButton;
     pFirst->Create(u"Yes"_s, kWsVisible, QRect(0, 0, 60, 24), &parent, 11323);
@@ -165,37 +141,24 @@ TEST(SkinnedButtons, TabMovesBetweenThemAndSpacePressesTheFocusedOne) {
     pSecond->SetImage(70, 0, QImage(), 60, 24, CGButton::kNormal, 24, 0, false, true, QImage());
     parent.show();
     QApplication::setActiveWindow(&parent);
-    pFirst->setFocus();
+    const QImage plain = pFirst->grab().toImage();
+    pFirst->setFocus(Qt::MouseFocusReason);
     ASSERT_TRUE(pFirst->hasFocus());
+    EXPECT_EQ(pFirst->grab().toImage(), plain) << "no focus frame before the keyboard is used";
     Key(*pFirst, QEvent::KeyPress, Qt::Key_Tab);
     EXPECT_TRUE(pSecond->hasFocus());
     Key(*pSecond, QEvent::KeyPress, Qt::Key_Space);
     EXPECT_EQ(pSecond->State(), CGButton::kPressed);
     Key(*pSecond, QEvent::KeyRelease, Qt::Key_Space);
     Key(*pSecond, QEvent::KeyPress, Qt::Key_Backtab);
+    ASSERT_TRUE(pFirst->hasFocus());
+    EXPECT_NE(pFirst->grab().toImage(), plain);
     Key(*pFirst, QEvent::KeyPress, Qt::Key_Space);
     Key(*pFirst, QEvent::KeyRelease, Qt::Key_Space);
     const std::vector<Message>& messages = parent.Delivered();
     ASSERT_EQ(parent.Count(kWmCommand), 2);
     EXPECT_EQ(messages[0].wParam, 11320u);
     EXPECT_EQ(messages.back().wParam, 11323u);
-}
-
-TEST(SkinnedButtons, ShowTheFocusFrameOnlyOnceTheKeyboardIsUsed) {
-    RecordingParent parent;
-    auto* pFirst = new CAlphaButton;
-    pFirst->Create(u"Yes"_s, kWsVisible, QRect(0, 0, 60, 24), &parent, 11323);
-    auto* pSecond = new CAlphaButton;
-    pSecond->Create(u"No"_s, kWsVisible, QRect(70, 0, 60, 24), &parent, 11320);
-    parent.show();
-    QApplication::setActiveWindow(&parent);
-    const QImage plain = pSecond->grab().toImage();
-    pSecond->setFocus(Qt::MouseFocusReason);
-    EXPECT_EQ(pSecond->grab().toImage(), plain);
-    Key(*pSecond, QEvent::KeyPress, Qt::Key_Backtab);
-    Key(*pFirst, QEvent::KeyPress, Qt::Key_Tab);
-    ASSERT_TRUE(pSecond->hasFocus());
-    EXPECT_NE(pSecond->grab().toImage(), plain);
 }
 
 TEST(SkinnedButtons, EachHasAnAccessibleNameFromItsCaptionOrTip) {

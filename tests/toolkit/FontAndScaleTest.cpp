@@ -11,7 +11,6 @@
 #include "ToolkitHooks.h"
 #include "TvnText.h"
 
-#include <QFile>
 #include <QFontMetrics>
 #include <gtest/gtest.h>
 
@@ -31,17 +30,13 @@ TEST(SkinFonts, NumeratorsGiveTheSamePixelHeightAtAnyDpi) {
     EXPECT_EQ(MakeNumeratorFont(13440, QString(), 700).weight(), QFont::Bold);
 }
 
-// Loads a table of the given lines for the life of the object.
 class Table {
 public:
     explicit Table(const QString& lines) {
-        testsupport::TempDir dir;
-        const QString path = QString::fromStdString((dir / "Tvnrc.txt").string());
-        QFile file(path);
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(lines.toUtf8());
-        file.close();
-        EXPECT_TRUE(m_table.LoadFile(path));
+        const testsupport::TempDir dir;
+        const QByteArray bytes = lines.toUtf8();
+        testsupport::WriteFile(dir / "Tvnrc.txt", {bytes.begin(), bytes.end()});
+        EXPECT_TRUE(m_table.LoadFile(QString::fromStdString((dir / "Tvnrc.txt").string())));
         SetCurrentStringTable(&m_table);
     }
     ~Table() { SetCurrentStringTable(nullptr); }
@@ -65,16 +60,6 @@ TEST(SkinFonts, TheLanguageNamesFaceAndButtonSize) {
         EXPECT_EQ(LabelFontTenths(), c.nTenths);
         EXPECT_EQ(GetUiFontFace(u"MS Shell Dlg 2"_s), QString::fromUtf16(c.face));
     }
-}
-
-TEST(SkinFonts, TheEnglishFaceIsInstalled) {
-    CTvnStringTable table;
-    ASSERT_TRUE(table.LoadFile(OVRIN_LANGUAGE_DIR "/Enu/Tvnrc.txt"_L1));
-    SetCurrentStringTable(&table);
-    const QFont font = MakeDialogFont(kBodyFontNumerator, kWeightNormal);
-    SetCurrentStringTable(nullptr);
-    EXPECT_EQ(QFontInfo(font).family(), u"DejaVu Sans"_s);
-    EXPECT_EQ(QFontInfo(font).pixelSize(), 12);
 }
 
 TEST(ToolkitHooks, TextIsCutToItsWidthWithTheGivenFont) {

@@ -20,16 +20,9 @@ namespace {
 using namespace Qt::StringLiterals;
 using namespace toolkittest;
 
-constexpr double kAwareScale = 1.5;
-constexpr uint32_t kEveryControl = 0xFF;
 constexpr int kOk = 8016;
 constexpr int kCancel = 6084;
 
-double BaseDpi() {
-    return CDisplayScale::kBaseDpi;
-}
-
-// The window's size and every child's rectangle, in Qt's logical pixels.
 struct Layout {
     QSize window;
     std::vector<QRect> children;
@@ -61,7 +54,7 @@ TEST(HighDpi, EverySkinnedDialogIsItsLayoutAtOneScaledAsAWhole) {
     }
     DwordReg(RegRoot::LocalMachine, QString::fromUtf16(kSettingsKey), u"EnableDPIAware"_s, true) =
         aware == "1" ? 1 : 0;
-    const double scale = aware == "1" ? kAwareScale : 1.0;
+    const double scale = aware == "1" ? 1.5 : 1.0;
     CommittedSkin skin;
     const struct {
         const char* name;
@@ -82,15 +75,15 @@ TEST(HighDpi, EverySkinnedDialogIsItsLayoutAtOneScaledAsAWhole) {
          {620, 301},
          [] {
              auto pDialog = std::make_unique<CTvgBaseDialog>();
-             pDialog->CreateControls(
-                 uint32_t{tvn::kConfirmTitle}, u"Image\\Dialogs\\ConfirmDialog\\bg_confirm.png"_s,
-                 uint32_t{kOk}, kOk, uint32_t{kCancel}, kCancel, 0, 0, kEveryControl);
+             pDialog->CreateControls(uint32_t{tvn::kConfirmTitle},
+                                     u"Image\\Dialogs\\ConfirmDialog\\bg_confirm.png"_s,
+                                     uint32_t{kOk}, kOk, uint32_t{kCancel}, kCancel, 0, 0, 0xFF);
              return pDialog;
          }},
     };
     for (const auto& c : cases) {
         // The same dialog laid out at 1.0 on this screen: the scale follows a 96 DPI screen.
-        CDisplayScale::SetDpiSource(BaseDpi);
+        CDisplayScale::SetDpiSource([] { return CDisplayScale::kBaseDpi; });
         const Layout atOne = LayoutOf(c.make);
         CDisplayScale::SetDpiSource(ScreenDeviceDpi);
         const Layout scaled = LayoutOf(c.make);
@@ -107,10 +100,7 @@ TEST(HighDpi, EverySkinnedDialogIsItsLayoutAtOneScaledAsAWhole) {
             const QRectF& one = QRectF(atOne.children[i]);
             const QRectF expected(one.topLeft() * scale, one.size() * scale);
             EXPECT_TRUE(QRect(QPoint(0, 0), scaled.window).contains(child)) << c.name << " " << i;
-            EXPECT_TRUE(Near(child, expected, scale))
-                << c.name << " child " << i << ": " << child.x() << "," << child.y() << " "
-                << child.width() << "x" << child.height() << " for " << expected.x() << ","
-                << expected.y() << " " << expected.width() << "x" << expected.height();
+            EXPECT_TRUE(Near(child, expected, scale)) << c.name << " child " << i;
         }
     }
 }

@@ -14,8 +14,7 @@
 namespace {
 
 using namespace Qt::StringLiterals;
-using toolkittest::Strip;
-using toolkittest::TempInstall;
+using namespace toolkittest;
 
 TEST(PremultipliedBitmap, MultipliesWithIntegerDivisionOnlyForALowerCasePngPath) {
     TempInstall install;
@@ -35,12 +34,11 @@ TEST(PremultipliedBitmap, MultipliesWithIntegerDivisionOnlyForALowerCasePngPath)
         {u"Image/Common/strip.png"_s, false, qRgba(201, 100, 50, 128), QImage::Format_ARGB32},
     };
     for (const auto& c : cases) {
+        SCOPED_TRACE(c.path.toStdString());
         QImage bitmap;
-        ASSERT_TRUE(LoadPremultipliedBitmap(c.path, c.bPremultiply, bitmap))
-            << c.path.toStdString();
-        EXPECT_EQ(bitmap.format(), c.format) << c.path.toStdString();
-        EXPECT_EQ(reinterpret_cast<const QRgb*>(bitmap.constScanLine(0))[0], c.expected)
-            << c.path.toStdString();
+        ASSERT_TRUE(LoadPremultipliedBitmap(c.path, c.bPremultiply, bitmap));
+        EXPECT_EQ(bitmap.format(), c.format);
+        EXPECT_EQ(reinterpret_cast<const QRgb*>(bitmap.constScanLine(0))[0], c.expected);
     }
 }
 
@@ -75,7 +73,6 @@ TEST(SkinPictures, MissingPicturesLeaveWorkingControls) {
               kStatusFailed);
     ASSERT_NE(pIcon, nullptr);
     EXPECT_FALSE(pIcon->HasImage());
-    // Each paints without its picture.
     EXPECT_FALSE(parent.grab().isNull());
     // A filled or missing out pointer is refused.
     EXPECT_EQ(factory.CreateAlphaButton(QRect(), &parent, 1, &pButton, QString(), QString(), 0, 0),

@@ -13,6 +13,7 @@
 #include <QApplication>
 #include <QPointer>
 #include <QTimer>
+#include <algorithm>
 #include <functional>
 #include <gtest/gtest.h>
 
@@ -42,9 +43,8 @@ protected:
                                                 QString::fromUtf16(kDefaultMessageIcon), bTopMost);
     }
 
-    // Shows a box the way the program does and acts on it, as a person would, once it is on
-    // screen. A box the action leaves open is cancelled after a while, so a fault fails the
-    // test instead of hanging it.
+    // A box the action leaves open is cancelled after a while, so that a fault fails the test
+    // instead of hanging it.
     static int Run(uint32_t nType, const BoxAction& action, const QString& text = kShortText) {
         QTimer poll;
         poll.setInterval(5);
@@ -66,30 +66,16 @@ protected:
     CTvnStringTable m_table;
 };
 
-void Click(CAlphaButton& button) {
-    const QPoint centre = button.rect().center();
-    toolkittest::PressAt(button, centre);
-    toolkittest::ReleaseAt(button, centre);
-}
-
 CAlphaButton* ButtonOf(CTvgMessageBox& box, int nId) {
-    if (nId == CTvgMessageBox::kCloseId) {
-        return box.CloseButton();
-    }
-    for (CAlphaButton* pButton : box.Buttons()) {
-        if (pButton->Id() == nId) {
-            return pButton;
-        }
-    }
-    return nullptr;
+    const std::vector<CAlphaButton*> buttons = box.Buttons();
+    const auto it = std::ranges::find(buttons, nId, &CAlphaButton::Id);
+    return nId == CTvgMessageBox::kCloseId ? box.CloseButton()
+           : it != buttons.end()           ? *it
+                                           : nullptr;
 }
 
-QString Lines(int nCount, const QString& line) {
-    QStringList lines;
-    for (int i = 0; i < nCount; ++i) {
-        lines.append(line);
-    }
-    return lines.join(u'\n');
+QString Lines(int nCount) {
+    return QStringList(nCount, u"Line"_s).join(u'\n');
 }
 
 TEST_F(MessageBox, GrowsWithItsTextWithinItsLimits) {
@@ -101,11 +87,11 @@ TEST_F(MessageBox, GrowsWithItsTextWithinItsLimits) {
     } cases[] = {
         {"short", kShortText, {468, 208}},
         {"empty", QString(), {468, 208}},
-        {"four lines fit the first 88 pixels", Lines(4, u"Line"_s), {468, 208}},
+        {"four lines fit the first 88 pixels", Lines(4), {468, 208}},
         {"long", sentence.repeated(12), {}},
         {"one very long line", u"x"_s.repeated(600), {}},
-        {"ten lines", Lines(10, u"Line"_s), {}},
-        {"very tall", Lines(80, u"Line"_s), {}},
+        {"ten lines", Lines(10), {}},
+        {"very tall", Lines(80), {}},
     };
     for (const auto& c : cases) {
         const auto pBox = Box(c.text);
@@ -134,18 +120,13 @@ TEST_F(MessageBox, ShortTextBoxIsShapedNamedAndStaysOnTopWhenAsked) {
     const auto pBox = Box(kShortText, mb::kOk, true);
     const QRect text = pBox->TextRect();
     ASSERT_NE(pBox->Icon(), nullptr);
-    const QRect icon = pBox->Icon()->geometry();
-    EXPECT_EQ(icon.left(), 50);
-    EXPECT_NEAR(icon.center().y(), text.center().y(), 1);
-    EXPECT_EQ(pBox->TitleStatic()->geometry(), QRect(34, 6, 400, 20));
+    EXPECT_NEAR(pBox->Icon()->geometry().center().y(), text.center().y(), 1);
     EXPECT_FALSE(pBox->mask().contains(QPoint(0, 0))) << "rounded corner";
     EXPECT_TRUE(pBox->mask().contains(QPoint(234, 100)));
     EXPECT_NE(RefFromRgb(pBox->Body().pixel(234, 100)), kKeyBlue);
     EXPECT_EQ(RefFromRgb(pBox->Body().pixel(0, 0)), kKeyBlue);
-    EXPECT_FALSE(pBox->grab().isNull());
     EXPECT_EQ(pBox->accessibleName(), u"Ovrin Viewer"_s);
     EXPECT_EQ(pBox->accessibleDescription(), kShortText);
-    EXPECT_EQ(pBox->windowRole(), u"Torvane Message Box"_s);
     EXPECT_TRUE(pBox->windowFlags().testFlags(Qt::WindowStaysOnTopHint | Qt::FramelessWindowHint));
     EXPECT_FALSE(Box(kShortText)->windowFlags().testFlag(Qt::WindowStaysOnTopHint));
 }
@@ -155,24 +136,20 @@ TEST_F(MessageBox, TypeChoosesButtonsRightToLeftAndIcon) {
         uint32_t nType;
         QStringList captions; // right to left
         const char* icon;     // file name, or empty for none
-        bool bClose;
     } cases[] = {
-        {mb::kOk, {u"OK"_s}, "icon_warning.png", true},
-        {mb::kOkCancel | mb::kIconQuestion, {u"Cancel"_s, u"OK"_s}, "icon_question.png", true},
-        {mb::kAbortRetryIgnore, {u"Ignore"_s, u"Retry"_s, u"Abort"_s}, "", true},
-        {mb::kYesNoCancel, {u"Cancel"_s, u"No"_s, u"Yes"_s}, "icon_question.png", true},
-        {mb::kYesNo, {u"No"_s, u"Yes"_s}, "icon_question.png", true},
-        {mb::kYesNo | mb::kIconWarning, {u"No"_s, u"Yes"_s}, "icon_exclamation.png", true},
-        {mb::kOk | mb::kIconWarning, {u"OK"_s}, "icon_warning.png", true},
-        {mb::kRetryCancel, {u"Cancel"_s, u"Retry"_s}, "", true},
-        {mb::kRetryCancel | mb::kIconError, {u"Cancel"_s, u"Retry"_s}, "icon_error.png", true},
-        {mb::kOkCancel | mb::kIconInformation,
-         {u"Cancel"_s, u"OK"_s},
-         "icon_exclamation.png",
-         true},
-        {6, {}, "icon_warning.png", false},
-        {6 | mb::kIconError, {u"OK"_s}, "icon_warning.png", true},
-        {6 | mb::kIconInformation, {u"OK"_s}, "icon_exclamation.png", true},
+        {mb::kOk, {u"OK"_s}, "icon_warning.png"},
+        {mb::kOkCancel | mb::kIconQuestion, {u"Cancel"_s, u"OK"_s}, "icon_question.png"},
+        {mb::kAbortRetryIgnore, {u"Ignore"_s, u"Retry"_s, u"Abort"_s}, ""},
+        {mb::kYesNoCancel, {u"Cancel"_s, u"No"_s, u"Yes"_s}, "icon_question.png"},
+        {mb::kYesNo, {u"No"_s, u"Yes"_s}, "icon_question.png"},
+        {mb::kYesNo | mb::kIconWarning, {u"No"_s, u"Yes"_s}, "icon_exclamation.png"},
+        {mb::kOk | mb::kIconWarning, {u"OK"_s}, "icon_warning.png"},
+        {mb::kRetryCancel, {u"Cancel"_s, u"Retry"_s}, ""},
+        {mb::kRetryCancel | mb::kIconError, {u"Cancel"_s, u"Retry"_s}, "icon_error.png"},
+        {mb::kOkCancel | mb::kIconInformation, {u"Cancel"_s, u"OK"_s}, "icon_exclamation.png"},
+        {6, {}, "icon_warning.png"},
+        {6 | mb::kIconError, {u"OK"_s}, "icon_warning.png"},
+        {6 | mb::kIconInformation, {u"OK"_s}, "icon_exclamation.png"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.nType);
@@ -188,8 +165,9 @@ TEST_F(MessageBox, TypeChoosesButtonsRightToLeftAndIcon) {
         EXPECT_EQ(captions, c.captions);
         EXPECT_EQ(pBox->IconPath().section(u'\\', -1), QLatin1StringView(c.icon));
         EXPECT_EQ(pBox->Icon() != nullptr && pBox->Icon()->HasImage(), *c.icon != '\0');
-        ASSERT_EQ(pBox->CloseButton() != nullptr, c.bClose);
-        if (c.bClose) {
+        // Only a box with buttons can be closed.
+        ASSERT_EQ(pBox->CloseButton() != nullptr, !c.captions.isEmpty());
+        if (pBox->CloseButton() != nullptr) {
             EXPECT_EQ(pBox->CloseButton()->geometry(), QRect(size.width() - 30, 5, 20, 20));
             EXPECT_EQ(pBox->CloseButton()->accessibleName(), u"Close"_s);
         }
@@ -227,7 +205,7 @@ TEST_F(MessageBox, EachButtonAndKeyGivesItsResult) {
             }
             CAlphaButton* pButton = ButtonOf(box, c.nButton);
             ASSERT_NE(pButton, nullptr);
-            Click(*pButton);
+            toolkittest::Click(*pButton);
         });
         EXPECT_EQ(nResult, c.nResult);
         EXPECT_EQ(CTvgMessageBox::OpenCount(), 0);
@@ -236,8 +214,7 @@ TEST_F(MessageBox, EachButtonAndKeyGivesItsResult) {
 
 TEST_F(MessageBox, PressesOnTheBodyAndTheTitleLineStartADragAndLeaveTheBoxOpen) {
     const int nResult = Run(mb::kOkCancel, [](CTvgMessageBox& box) {
-        toolkittest::PressAt(box, QPoint(20, 100));
-        toolkittest::ReleaseAt(box, QPoint(20, 100));
+        toolkittest::ClickAt(box, QPoint(20, 100));
         toolkittest::PressAt(box, box.TitleStatic()->geometry().center());
         EXPECT_TRUE(box.isVisible());
         toolkittest::Key(box, QEvent::KeyPress, Qt::Key_Escape);
@@ -254,9 +231,9 @@ TEST_F(MessageBox, MissingPicturesLeaveKeyColourAndNoIcon) {
     EXPECT_FALSE(pBox->Icon()->HasImage());
     EXPECT_EQ(pBox->Buttons().size(), 2u);
     EXPECT_FALSE(pBox->grab().isNull());
-    EXPECT_EQ(
-        Run(mb::kOkCancel, [](CTvgMessageBox& box) { Click(*ButtonOf(box, tvn::kButtonOk)); }),
-        mb::kIdOk);
+    EXPECT_EQ(Run(mb::kOkCancel,
+                  [](CTvgMessageBox& box) { toolkittest::Click(*ButtonOf(box, tvn::kButtonOk)); }),
+              mb::kIdOk);
 }
 
 TEST_F(MessageBox, AnEntryThatCannotBeRemovedIsReportedInABox) {
@@ -265,17 +242,7 @@ TEST_F(MessageBox, AnEntryThatCannotBeRemovedIsReportedInABox) {
     std::filesystem::create_directories(dir / "data");
     std::filesystem::permissions(dir / "stuck", std::filesystem::perms::owner_read |
                                                     std::filesystem::perms::owner_exec);
-    QStringList shown;
-    QTimer poll;
-    poll.setInterval(5);
-    QObject::connect(&poll, &QTimer::timeout, [&] {
-        auto* pBox = qobject_cast<CTvgMessageBox*>(QApplication::activeModalWidget());
-        if (pBox != nullptr && pBox->isVisible()) {
-            shown.append(pBox->accessibleDescription());
-            toolkittest::Key(*pBox, QEvent::KeyPress, Qt::Key_Return);
-        }
-    });
-    poll.start();
+    toolkittest::BoxCatcher boxes;
     {
         testsupport::NoAccessOverride asUser;
         qputenv("XDG_DATA_HOME", (dir / "data").c_str());
@@ -283,7 +250,7 @@ TEST_F(MessageBox, AnEntryThatCannotBeRemovedIsReportedInABox) {
         qunsetenv("XDG_DATA_HOME");
     }
     std::filesystem::permissions(dir / "stuck", std::filesystem::perms::owner_all);
-    EXPECT_EQ(shown, QStringList{u"Cancel the operation!!"_s});
+    EXPECT_EQ(boxes.m_lstTexts, QStringList{u"Cancel the operation!!"_s});
 }
 
 } // namespace

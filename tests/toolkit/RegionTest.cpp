@@ -12,13 +12,13 @@ constexpr QRgb kKey = 0xFF0000FF; // pure blue
 constexpr QRgb kSolid = 0xFF303840;
 
 // A picture from rows of text: 'k' key colour, 't' key colour fully transparent, '#' solid.
-QImage Picture(const std::vector<std::string>& rows) {
+QImage Picture(const std::vector<std::string>& rows, QRgb key = kKey) {
     QImage image(static_cast<int>(rows[0].size()), static_cast<int>(rows.size()),
                  QImage::Format_ARGB32);
     for (int y = 0; y < image.height(); ++y) {
         for (int x = 0; x < image.width(); ++x) {
             const char c = rows[y][x];
-            image.setPixel(x, y, c == '#' ? kSolid : c == 't' ? 0x000000FFu : kKey);
+            image.setPixel(x, y, c == '#' ? kSolid : c == 't' ? 0x000000FFu : key);
         }
     }
     return image;
@@ -65,16 +65,8 @@ TEST(CornerRegion, CutsOnlyTheCornersAndTogglesWhatTwoPassesCut) {
 }
 
 TEST(SpanRegion, RunsFromTheFirstSolidPixelUpToTheLast) {
-    const QImage picture = Picture({"kk##kk", "k####k", "kk#kkk", "kkkkkk", "#kkkk#"})
-                               .convertToFormat(QImage::Format_ARGB32);
-    QImage magenta = picture;
-    for (int y = 0; y < magenta.height(); ++y) {
-        for (int x = 0; x < magenta.width(); ++x) {
-            if (magenta.pixel(x, y) == kKey) {
-                magenta.setPixel(x, y, 0xFFFF00FF);
-            }
-        }
-    }
+    const QImage magenta =
+        Picture({"kk##kk", "k####k", "kk#kkk", "kkkkkk", "#kkkk#"}, qRgb(255, 0, 255));
     const QRegion region = CreateSpanRegion(magenta, 6, 5, kKeyMagenta);
     // One solid pixel, or none, adds nothing; the last solid pixel is left out.
     EXPECT_EQ(Rows(region, 6, 5),

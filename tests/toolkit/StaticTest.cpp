@@ -33,7 +33,6 @@ TEST(CAlphaStatic, DrawFlagsFollowTheStyleAndTheWrapSettings) {
     }
 }
 
-// The first and last rows that hold a light pixel.
 std::pair<int, int> InkRows(const QImage& image) {
     int nFirst = -1;
     int nLast = -1;
@@ -56,7 +55,6 @@ TEST(CAlphaStatic, CentreImageCentresTwoLinesAsOneBlock) {
     label.SetBackgroundColour(0);
     const auto [nFirst, nLast] = InkRows(label.grab().toImage());
     ASSERT_GE(nFirst, 0);
-    const QFontMetrics metrics(label.font());
     EXPECT_GT(nLast - nFirst, 12) << "two lines";
     EXPECT_NEAR(nFirst, 100 - 1 - nLast, 6);
     EXPECT_EQ(label.accessibleName(), u"First line\nSecond line"_s);

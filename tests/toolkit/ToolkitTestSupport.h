@@ -2,18 +2,22 @@
 // the mouse and keys of a person.
 #pragma once
 
+#include "CTvgMessageBox.h"
 #include "CTvnStringTable.h"
 #include "CWindowMessage.h"
 #include "SkinImages.h"
 #include "TestFiles.h"
 #include "TvnText.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QDir>
 #include <QImage>
 #include <QKeyEvent>
+#include <QMessageBox>
 #include <QMouseEvent>
+#include <QTimer>
 #include <QWidget>
+#include <algorithm>
 #include <initializer_list>
 #include <vector>
 
@@ -79,17 +83,12 @@ class RecordingParent : public QWidget {
 public:
     RecordingParent() { resize(400, 300); }
     std::vector<Message> m_messages;
-    // Delivers what the children posted.
     std::vector<Message>& Delivered() {
         QCoreApplication::sendPostedEvents(this);
         return m_messages;
     }
     int Count(uint32_t nMessage) {
-        int n = 0;
-        for (const Message& message : Delivered()) {
-            n += message.nMessage == nMessage ? 1 : 0;
-        }
-        return n;
+        return static_cast<int>(std::ranges::count(Delivered(), nMessage, &Message::nMessage));
     }
 
 protected:
@@ -118,10 +117,46 @@ inline void PressAt(QWidget& widget, QPoint pos) {
 inline void ReleaseAt(QWidget& widget, QPoint pos) {
     Mouse(widget, QEvent::MouseButtonRelease, pos, Qt::LeftButton, Qt::NoButton);
 }
+inline void ClickAt(QWidget& widget, QPoint pos) {
+    PressAt(widget, pos);
+    ReleaseAt(widget, pos);
+}
+inline void Click(QWidget& widget) {
+    ClickAt(widget, widget.rect().center());
+}
 inline void Leave(QWidget& widget) {
     QEvent event(QEvent::Leave);
     QCoreApplication::sendEvent(&widget, &event);
 }
+// Answers every modal box that comes up while it lives, the skinned ones and the system's, and
+// keeps their texts.
+class BoxCatcher {
+public:
+    BoxCatcher() {
+        QObject::connect(&m_poll, &QTimer::timeout, [this] { CloseActiveBox(); });
+        m_poll.start(5);
+    }
+    QStringList m_lstTexts;
+    // Boxes that came up unable to take the user's answer.
+    int m_nDisabled = 0;
+
+private:
+    void CloseActiveBox() {
+        QWidget* pModal = QApplication::activeModalWidget();
+        if (auto* pBox = qobject_cast<CTvgMessageBox*>(pModal); pBox && pBox->isVisible()) {
+            m_lstTexts << pBox->accessibleDescription();
+            m_nDisabled += pBox->isEnabled() ? 0 : 1;
+            pBox->reject();
+        } else if (auto* pSystem = qobject_cast<QMessageBox*>(pModal);
+                   pSystem && pSystem->isVisible()) {
+            m_lstTexts << pSystem->text();
+            pSystem->reject();
+        }
+    }
+
+    QTimer m_poll;
+};
+
 inline void Key(QWidget& widget, QEvent::Type type, int nKey) {
     QKeyEvent event(type, nKey, Qt::NoModifier);
     QCoreApplication::sendEvent(&widget, &event);

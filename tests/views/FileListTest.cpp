@@ -121,7 +121,6 @@ TEST_F(ListFixture, HeadingClicksCycleOrderAndArrowsPerFolder) {
     EXPECT_EQ(Arrows(panes->list), (std::vector<int>{1, 0, 0, 0}));
 }
 
-// Records the commands that reach the list.
 class CommandSpy : public QObject {
 public:
     bool eventFilter(QObject*, QEvent* pEvent) override {
@@ -143,7 +142,6 @@ TEST_F(ListFixture, DoubleClickOpensFoldersThroughTheTreeAndFilesByCommand) {
         QTest::mouseClick(pReport->viewport(), Qt::LeftButton, Qt::NoModifier, at);
         QTest::mouseDClick(pReport->viewport(), Qt::LeftButton, Qt::NoModifier, at);
     };
-    // Empty space below the rows does nothing.
     doubleClick(QPoint(50, pReport->viewport()->height() - 5));
     EXPECT_EQ(doc.GetCurrentFolder(), doc.GetRootItem());
     doubleClick(pReport->visualRect(pReport->model()->index(1, 0)).center());
@@ -214,14 +212,9 @@ TEST_F(ListFixture, TipShowsTheWholeTextOfACutCellOnly) {
 TEST(FileList, TemporaryFilesGoWithTheList) {
     QTemporaryDir dir;
     const QString path = dir.filePath(u"viewed.txt"_s);
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.close();
+    ASSERT_TRUE(QFile(path).open(QIODevice::WriteOnly));
     TestDocument doc;
-    {
-        CFileListView list(&doc);
-        list.AddTempFile(path);
-    }
+    CFileListView{&doc}.AddTempFile(path);
     EXPECT_FALSE(QFile::exists(path));
 }
 

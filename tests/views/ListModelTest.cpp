@@ -43,15 +43,13 @@ TEST(ListModel, SizeCellsInKilobytesRoundedUpFoldersInBrackets) {
         bool bFolder;
         uint64_t size;
         const char16_t* expected;
-    } cases[] = {
-        {false, 0, u"0 KB"},
-        {false, 1, u"1 KB"},
-        {false, 1024, u"1 KB"},
-        {false, 1025, u"2 KB"},
-        {false, 5ull << 40, u"5,368,709,120 KB"},
-        {true, 0, u"<0 KB>"},
-        {true, 3000, u"<3 KB>"},
-    };
+    } cases[] = {{false, 0, u"0 KB"},
+                 {false, 1, u"1 KB"},
+                 {false, 1024, u"1 KB"},
+                 {false, 1025, u"2 KB"},
+                 {false, 5ull << 40, u"5,368,709,120 KB"},
+                 {true, 0, u"<0 KB>"},
+                 {true, 3000, u"<3 KB>"}};
     for (const auto& c : cases) {
         TestDocument doc;
         COvDataItem* pNode = c.bFolder ? AddFolder(doc.GetRootItem(), u"f"_s)
@@ -85,12 +83,6 @@ TEST(ListModel, NameTypeAndLocalDateCells) {
               Qt::AlignRight);
     EXPECT_FALSE(model.data(model.index(0, 0), Qt::DecorationRole).value<QIcon>().isNull());
 }
-
-} // namespace
-
-namespace {
-
-using namespace Qt::StringLiterals;
 
 TEST(ShellIcons, ThemeNameThenGenericNameThenTheStyleFileIcon) {
     const struct {

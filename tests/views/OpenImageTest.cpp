@@ -1,17 +1,15 @@
 // Opening an image from the file list on the engine double: which names reach the engine, and
 // what the tree, the list, the title and the image folder show afterwards. The real engine and
 // bad images are the app's start test's.
+#include "../toolkit/ToolkitTestSupport.h"
 #include "CImageReader.h"
-#include "CTvgMessageBox.h"
 #include "Locations.h"
+#include "TestFiles.h"
 #include "ViewsTestSupport.h"
 
-#include <QApplication>
-#include <QFile>
+#include <QFileInfo>
 #include <QHBoxLayout>
 #include <QTemporaryDir>
-#include <QTimer>
-#include <functional>
 #include <gtest/gtest.h>
 #include <string>
 #include <vector>
@@ -20,42 +18,16 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-constexpr int kBoxPollMs = 5;
-
 const QString kTitle = u"Ovrin Viewer"_s;
-constexpr const char* kFirstVolume = "volume FIRST\n"
-                                     "d 0 Old\n"
-                                     "d 0 Old\\Deeper\n"
-                                     "f 1 0 Old\\gone.txt\n"
-                                     "f 2 0 old.bin\n";
-constexpr const char* kSecondVolume = "volume SECOND\n"
-                                      "d 0 Docs\n"
-                                      "d 0 Docs\\Sub\n"
-                                      "d 0 Music\n"
-                                      "f 5 0 readme.txt\n";
+constexpr const char* kFirstVolume =
+    "volume FIRST\nd 0 Old\nd 0 Old\\Deeper\nf 1 0 Old\\gone.txt\nf 2 0 old.bin\n";
+constexpr const char* kSecondVolume =
+    "volume SECOND\nd 0 Docs\nd 0 Docs\\Sub\nd 0 Music\nf 5 0 readme.txt\n";
 
 void RecordCode(uint32_t nCode, const char16_t*, void* pContext) {
     static_cast<std::vector<uint32_t>*>(pContext)->push_back(nCode);
 }
 
-// Runs the action and answers every message box it shows; returns how many there were.
-int CountBoxes(const std::function<void()>& action) {
-    int nBoxes = 0;
-    QTimer poll;
-    poll.setInterval(kBoxPollMs);
-    QObject::connect(&poll, &QTimer::timeout, [&] {
-        auto* pBox = qobject_cast<CTvgMessageBox*>(QApplication::activeModalWidget());
-        if (pBox != nullptr && pBox->isVisible()) {
-            ++nBoxes;
-            pBox->reject();
-        }
-    });
-    poll.start();
-    action();
-    return nBoxes;
-}
-
-// The tree and the list in one window, as the frame holds them.
 class OpenImage : public ::testing::Test {
 protected:
     OpenImage() : tree(&doc), list(&doc) {
@@ -77,10 +49,7 @@ protected:
 
     QString Image(const QString& name, const std::string& text) {
         const QString path = dir.filePath(name);
-        QDir().mkpath(QFileInfo(path).absolutePath());
-        QFile file(path);
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(text.c_str());
+        testsupport::WriteFile(path.toStdString(), {text.begin(), text.end()});
         return path;
     }
 
@@ -137,7 +106,9 @@ TEST_F(OpenImage, OnlyAnImagesNameReachesTheEngineAndLeavesNothingOfTheImageBefo
         codes.clear();
         asked.clear();
         g_pImageReader = c.bNoReader ? nullptr : &reader;
-        EXPECT_EQ(CountBoxes([this] { EXPECT_TRUE(list.OnCommand(kCmdOpenImage)); }), c.nBoxes);
+        toolkittest::BoxCatcher boxes;
+        EXPECT_TRUE(list.OnCommand(kCmdOpenImage));
+        EXPECT_EQ(boxes.m_lstTexts.size(), c.nBoxes);
         g_pImageReader = &reader;
 
         const QString shown = c.outcome == Outcome::Opened ? path : firstPath;
