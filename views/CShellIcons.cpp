@@ -12,8 +12,8 @@ using namespace Qt::StringLiterals;
 
 // A theme of full-colour icons that Debian ships; the install step installs it.
 const QString kFallbackTheme = u"Adwaita"_s;
-// The base theme of the freedesktop icon theme specification, which every theme inherits; it
-// holds programs' own icons, hardly any of types and folders.
+// The freedesktop base theme "hicolor", which every icon theme inherits; it holds programs' own
+// icons, hardly any of types and folders.
 const QString kBaseTheme = u"hicolor"_s;
 
 QIcon StyleIcon(QStyle::StandardPixmap pixmap) {
