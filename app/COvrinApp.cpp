@@ -1,4 +1,5 @@
 #include "COvrinApp.h"
+#include "Locations.h"
 
 #include "CDisplayScale.h"
 #include "CFileListView.h"
@@ -56,7 +57,7 @@ void PumpEvents(void*) {
 COvrinApp::COvrinApp(QStringList arguments, Setup setup)
     : m_lstArguments(std::move(arguments)), m_setup(std::move(setup)) {
     if (m_setup.programFolder.isEmpty()) {
-        m_setup.programFolder = CLanguageChain::ExecutableFolder();
+        m_setup.programFolder = ProgramFolder();
     }
 }
 

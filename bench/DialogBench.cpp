@@ -3,10 +3,10 @@
 // the progress dialog's set position when it is called far more often than the percentage
 // changes, as an extraction does.
 // Usage: ovrin-dialog-bench [RUNS]   (default 30 warm runs; offscreen unless a display is named)
-#include "CLanguageChain.h"
 #include "CProgressDlg.h"
 #include "CTvgMessageBox.h"
 #include "CTvnStringTable.h"
+#include "Locations.h"
 #include "ToolkitHooks.h"
 #include "TvnText.h"
 
@@ -80,8 +80,7 @@ int main(int argc, char** argv) {
     qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
     InstallToolkitHooks();
     CTvnStringTable texts;
-    texts.LoadFile(QDir(CLanguageChain::ExecutableFolder())
-                       .filePath(QStringLiteral("Language/Enu/Tvnrc.txt")));
+    texts.LoadFile(QDir(ProgramFolder()).filePath(QStringLiteral("Language/Enu/Tvnrc.txt")));
     SetCurrentStringTable(&texts);
     const int nRuns = argc > 1 ? std::max(1, std::atoi(argv[1])) : kDefaultRuns;
     ReportShow(

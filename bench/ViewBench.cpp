@@ -5,10 +5,10 @@
 #include "CFileListView.h"
 #include "CFileTypeCache.h"
 #include "CFolderTreeView.h"
-#include "CLanguageChain.h"
 #include "COvDataItem.h"
 #include "CTvnStringTable.h"
 #include "IOvDocument.h"
+#include "Locations.h"
 #include "TvnText.h"
 
 #include <QApplication>
@@ -158,8 +158,7 @@ int main(int argc, char** argv) {
     // The offscreen platform warns about its windows; the figures are the output here.
     qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
     CTvnStringTable texts;
-    texts.LoadFile(QDir(CLanguageChain::ExecutableFolder())
-                       .filePath(QStringLiteral("Language/Enu/Tvnrc.txt")));
+    texts.LoadFile(QDir(ProgramFolder()).filePath(QStringLiteral("Language/Enu/Tvnrc.txt")));
     SetCurrentStringTable(&texts);
     CFileTypeCache::InstallForDataItems();
     const int nFiles = argc > 1 ? std::max(1, std::atoi(argv[1])) : kDefaultFiles;

@@ -3,6 +3,7 @@
 #include "CEngineModule.h"
 #include "EngineFields.h"
 #include "IBwRegPath.h"
+#include "Locations.h"
 #include "RegTypes.h"
 
 #include <QDir>
@@ -23,11 +24,6 @@ constexpr uint32_t kWaitTimeoutMs = 100;
 constexpr int32_t kOpenScanLimit = 50;
 constexpr int32_t kReopenScanLimit = 100;
 
-QString ExecutableFolder() {
-    const QFileInfo exe(QStringLiteral("/proc/self/exe"));
-    return QFileInfo(exe.canonicalFilePath()).absolutePath();
-}
-
 } // namespace
 
 CEngineSession::CEngineSession(ReaderProgress& progress, const QString& enginePath)
@@ -36,7 +32,7 @@ CEngineSession::CEngineSession(ReaderProgress& progress, const QString& enginePa
     if (m_pModule == nullptr) {
         return;
     }
-    const QString folder = ExecutableFolder();
+    const QString folder = ProgramFolder();
     // The engine and the skin are found relative to the program's own folder.
     if (!QDir::setCurrent(folder)) {
         return;

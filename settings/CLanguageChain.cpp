@@ -38,10 +38,6 @@ CLanguageChain::~CLanguageChain() {
     UnloadTransfer();
 }
 
-QString CLanguageChain::ExecutableFolder() {
-    return QFileInfo(QFile::symLinkTarget(u"/proc/self/exe"_s)).absolutePath();
-}
-
 bool CLanguageChain::OpenTransferLibrary(bool bSystemDefault) {
     const QString library = m_strFolder + u"/Lyndra/Lyndra.so"_s;
     if (!QFileInfo::exists(library)) {

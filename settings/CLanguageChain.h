@@ -33,9 +33,6 @@ public:
     // was tried last; it is empty when the transfer library was in play.
     bool LoadStringTable(int32_t status, CTvnStringTable& table, QString& pathTried);
 
-    // The executable's own folder.
-    static QString ExecutableFolder();
-
 private:
     bool OpenTransferLibrary(bool bSystemDefault);
     QString ChooseCode(const QString& forcedCode, bool bSystemDefault);

@@ -5,6 +5,7 @@
 #include "StringReg.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QStandardPaths>
 
@@ -70,6 +71,10 @@ bool GetSiblingPath(const QString& program, QString* pPath, CRegistry* pRegistry
 }
 
 } // namespace
+
+QString ProgramFolder() {
+    return QFileInfo(QFile::symLinkTarget(u"/proc/self/exe"_s)).absolutePath();
+}
 
 bool GetTempFolder(size_t nBufferChars, QString& folder, CRegistry* pRegistry) {
     if (nBufferChars < kMaxPathChars) {

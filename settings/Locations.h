@@ -15,6 +15,9 @@ inline constexpr size_t kMaxPathChars = 260;
 // not fit nBufferChars. False, with folder unchanged, if nBufferChars is under kMaxPathChars
 // or the folder cannot be made.
 bool GetTempFolder(size_t nBufferChars, QString& folder, CRegistry* pRegistry = nullptr);
+// The running program's own folder, where it finds Qmz.so, Image/ and Language/ as it does
+// when installed.
+QString ProgramFolder();
 // Makes the folder and its missing parents; true if the last one was made.
 bool MakeFolderPath(const QString& path);
 

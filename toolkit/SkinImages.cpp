@@ -1,6 +1,7 @@
 #include "SkinImages.h"
 
 #include "DevicePixels.h"
+#include "Locations.h"
 
 #include <QColorSpace>
 #include <QFile>
@@ -16,10 +17,6 @@ constexpr int kJpegQuality = 90;
 constexpr int kStatePieces = 4;
 
 QString g_installFolder;
-
-QString ExecutableFolder() {
-    return QFileInfo(QFile::symLinkTarget(QStringLiteral("/proc/self/exe"))).absolutePath();
-}
 
 struct ImageFormat {
     const char* szExtension;
@@ -46,7 +43,7 @@ void SetInstallFolder(const QString& folder) {
 }
 
 QString InstallFolder() {
-    return g_installFolder.isEmpty() ? ExecutableFolder() : g_installFolder;
+    return g_installFolder.isEmpty() ? ProgramFolder() : g_installFolder;
 }
 
 QString InstallPath(const QString& relativePath) {

@@ -1,7 +1,7 @@
 // The language files: their format, and the English table against every text the program
 // uses.
-#include "CLanguageChain.h"
 #include "CTvnStringTable.h"
+#include "Locations.h"
 #include "QtPrinters.h"
 #include "TestFiles.h"
 #include "TvnStringIds.h"
@@ -87,8 +87,7 @@ TEST(EnglishTable, HasEveryTextTheProgramUsesWithThePlaceholdersItsCallersFill) 
 }
 
 TEST(EnglishTable, IsCopiedBesideTheProgramsOfTheBuild) {
-    const QString beside =
-        QDir(CLanguageChain::ExecutableFolder()).filePath(u"Language/Enu/Tvnrc.txt"_s);
+    const QString beside = QDir(ProgramFolder()).filePath(u"Language/Enu/Tvnrc.txt"_s);
     CTvnStringTable copy;
     CTvnStringTable source;
     ASSERT_TRUE(copy.LoadFile(beside)) << beside.toStdString();

@@ -5,9 +5,9 @@
 //   --scale 1.5                       as on a screen of 144 dpi with EnableDPIAware set
 // It runs from the build folder or the installed program's, beside Image/ and Language/.
 
-#include "CLanguageChain.h"
 #include "CTvnStringTable.h"
 #include "GalleryScenes.h"
+#include "Locations.h"
 #include "RegTypes.h"
 #include "ScalarReg.h"
 #include "ToolkitHooks.h"
@@ -63,8 +63,7 @@ void EnableDpiAwareness() {
 }
 
 bool LoadEnglishTexts(CTvnStringTable& table) {
-    const QString path =
-        QDir(CLanguageChain::ExecutableFolder()).filePath(QStringLiteral("Language/Enu/Tvnrc.txt"));
+    const QString path = QDir(ProgramFolder()).filePath(QStringLiteral("Language/Enu/Tvnrc.txt"));
     if (!table.LoadFile(path)) {
         QTextStream(stderr) << "ovrin-gallery: cannot read " << path << "\n";
         return false;
