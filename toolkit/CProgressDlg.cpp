@@ -15,7 +15,6 @@
 #include <QCoreApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
-#include <QPainter>
 
 namespace {
 
@@ -207,9 +206,7 @@ bool CProgressDlg::event(QEvent* pEvent) {
 }
 
 void CProgressDlg::paintEvent(QPaintEvent*) {
-    QPainter painter(this);
-    PaintInDevicePixels(painter, this);
-    painter.drawImage(QPoint(0, 0), m_memory);
+    PaintBackdrop(this, m_memory);
 }
 
 void CProgressDlg::mousePressEvent(QMouseEvent* pEvent) {

@@ -15,7 +15,6 @@
 #include <QApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
-#include <QPainter>
 
 namespace {
 
@@ -320,9 +319,7 @@ bool CTvgBaseDialog::event(QEvent* pEvent) {
 }
 
 void CTvgBaseDialog::paintEvent(QPaintEvent*) {
-    QPainter painter(this);
-    PaintInDevicePixels(painter, this);
-    painter.drawImage(QPoint(0, 0), m_memory);
+    PaintBackdrop(this, m_memory);
 }
 
 void CTvgBaseDialog::mousePressEvent(QMouseEvent* pEvent) {

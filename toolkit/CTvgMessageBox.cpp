@@ -7,7 +7,6 @@
 #include "DevicePixels.h"
 #include "SkinFonts.h"
 #include "SkinImages.h"
-#include "SkinRegions.h"
 #include "SkinText.h"
 #include "SkinWindows.h"
 #include "TvnText.h"
@@ -99,19 +98,6 @@ void DrawPiece(QPainter& painter, const QImage& piece, int nColumn, int nRow, in
     }
     const QRect source(0, 0, kColumnWidths[nColumn], kRowHeights[nRow]);
     painter.drawImage(QPoint(x, y), piece.copy(source));
-}
-
-// The outline in logical pixels. Where a logical pixel covers parts of several device pixels
-// the corners' cut is rounded outward, so that no key colour shows at a scaled corner.
-QRegion LogicalOutline(const QRegion& outline, const QSize& device, qreal dpr) {
-    const QRegion cut = QRegion(QRect(QPoint(0, 0), device)) - outline;
-    QRegion logicalCut;
-    for (const QRect& rect : cut) {
-        logicalCut += QRect(
-            QPoint(qFloor(rect.left() / dpr), qFloor(rect.top() / dpr)),
-            QPoint(qCeil((rect.right() + 1) / dpr) - 1, qCeil((rect.bottom() + 1) / dpr) - 1));
-    }
-    return QRegion(QRect(QPoint(0, 0), ToLogical(device, dpr))) - logicalCut;
 }
 
 QString IconFile(const char* name) {
@@ -344,12 +330,8 @@ void CTvgMessageBox::DrawTextIntoBody() {
 // The outline comes from the key colour left at the corners; the window takes the body's size
 // in device pixels and stands in the middle of its owner or of the screen.
 void CTvgMessageBox::ApplyShape() {
-    const qreal dpr = DevicePixelRatioOf(this);
-    setFixedSize(ToLogical(m_body.size(), dpr));
-    const QRegion outline = CreateRegionFromBitmap(m_body, kKeyBlue);
-    if (!outline.isEmpty()) {
-        setMask(LogicalOutline(outline, m_body.size(), dpr));
-    }
+    ShapeWindowToBackdrop(this, m_body);
+    setFixedSize(size());
     CentreWindow();
 }
 
@@ -483,22 +465,7 @@ bool CTvgMessageBox::event(QEvent* pEvent) {
 }
 
 void CTvgMessageBox::paintEvent(QPaintEvent*) {
-    QPainter painter(this);
-    PaintInDevicePixels(painter, this);
-    painter.drawImage(QPoint(0, 0), m_body);
-    // A scaled window can be a fraction of a logical pixel larger than the body: its last row
-    // and column stretch over the rest.
-    const QSize device = DeviceSize(this);
-    const int nWidth = m_body.width();
-    const int nHeight = m_body.height();
-    if (device.height() > nHeight && nHeight > 0) {
-        painter.drawImage(QRect(0, nHeight, nWidth, device.height() - nHeight), m_body,
-                          QRect(0, nHeight - 1, nWidth, 1));
-    }
-    if (device.width() > nWidth && nWidth > 0) {
-        painter.drawImage(QRect(nWidth, 0, device.width() - nWidth, device.height()), m_body,
-                          QRect(nWidth - 1, 0, 1, nHeight));
-    }
+    PaintBackdrop(this, m_body);
 }
 
 // The box drags by any point of its body that no control covers.

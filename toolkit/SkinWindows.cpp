@@ -7,75 +7,26 @@
 
 #include <QGuiApplication>
 #include <QMouseEvent>
+#include <QPainter>
 #include <QScreen>
 #include <QWidget>
 #include <QWindow>
 #include <QtMath>
-#include <vector>
 
 namespace {
 
-// Which device pixels of a size the outline keeps, row by row.
-class DeviceCoverage {
-public:
-    DeviceCoverage(const QRegion& outline, QSize size)
-        : m_size(size), m_bits(static_cast<size_t>(size.width()) * size.height(), false) {
-        for (const QRect& rect : outline) {
-            const QRect inside = rect.intersected(QRect(QPoint(0, 0), size));
-            for (int y = inside.top(); y <= inside.bottom(); ++y) {
-                for (int x = inside.left(); x <= inside.right(); ++x) {
-                    m_bits[Index(x, y)] = true;
-                }
-            }
-        }
+// The outline on Qt's logical grid. Where a logical pixel covers parts of several device pixels
+// the corners' cut is rounded outward, so that no key colour shows at a scaled corner; a last
+// partial row or column stays in the window, and PaintBackdrop covers it.
+QRegion LogicalOutline(const QRegion& outline, QSize device, qreal dpr) {
+    const QRegion cut = QRegion(QRect(QPoint(0, 0), device)) - outline;
+    QRegion logicalCut;
+    for (const QRect& rect : cut) {
+        logicalCut += QRect(
+            QPoint(qFloor(rect.left() / dpr), qFloor(rect.top() / dpr)),
+            QPoint(qCeil((rect.right() + 1) / dpr) - 1, qCeil((rect.bottom() + 1) / dpr) - 1));
     }
-    // Every device pixel that the block touches is kept; none outside the size is.
-    bool Covers(int x0, int y0, int x1, int y1) const {
-        if (x0 < 0 || y0 < 0 || x1 >= m_size.width() || y1 >= m_size.height()) {
-            return false;
-        }
-        for (int y = y0; y <= y1; ++y) {
-            for (int x = x0; x <= x1; ++x) {
-                if (!m_bits[Index(x, y)]) {
-                    return false;
-                }
-            }
-        }
-        return true;
-    }
-
-private:
-    size_t Index(int x, int y) const { return static_cast<size_t>(y) * m_size.width() + x; }
-    QSize m_size;
-    std::vector<bool> m_bits;
-};
-
-// The outline on Qt's logical grid. A logical pixel that spans several device pixels stays
-// only if all of them do, so that no key colour and nothing past the picture shows at a
-// fractional scale.
-QRegion LogicalOutline(const QRegion& device, QSize size, qreal dpr) {
-    if (dpr == 1.0) {
-        return device;
-    }
-    const DeviceCoverage coverage(device, size);
-    const auto first = [dpr](int n) { return qFloor(n * dpr); };
-    const auto last = [dpr](int n) { return qCeil((n + 1) * dpr) - 1; };
-    const QSize logical = ToLogical(size, dpr);
-    QRegion outline;
-    for (int ly = 0; ly < logical.height(); ++ly) {
-        int nRunStart = -1;
-        for (int lx = 0; lx <= logical.width(); ++lx) {
-            const bool bKept =
-                lx < logical.width() && coverage.Covers(first(lx), first(ly), last(lx), last(ly));
-            if (bKept && nRunStart < 0) {
-                nRunStart = lx;
-            } else if (!bKept && nRunStart >= 0) {
-                outline += QRect(nRunStart, ly, lx - nRunStart, 1);
-                nRunStart = -1;
-            }
-        }
-    }
-    return outline;
+    return QRegion(QRect(QPoint(0, 0), ToLogical(device, dpr))) - logicalCut;
 }
 
 constexpr int kOpaque = 255;
@@ -161,6 +112,25 @@ void ShapeWindowToBackdrop(QWidget* pWindow, const QImage& backdrop) {
     const QRegion outline = CreateRegionFromBitmap(backdrop, kKeyBlue);
     if (!outline.isEmpty()) {
         pWindow->setMask(LogicalOutline(outline, backdrop.size(), dpr));
+    }
+}
+
+void PaintBackdrop(QWidget* pWindow, const QImage& picture) {
+    QPainter painter(pWindow);
+    PaintInDevicePixels(painter, pWindow);
+    painter.drawImage(QPoint(0, 0), picture);
+    // At a fractional scale the window can be part of a logical pixel larger than its picture:
+    // the picture's last row and column stretch over the rest.
+    const QSize device = DeviceSize(pWindow);
+    const int nWidth = picture.width();
+    const int nHeight = picture.height();
+    if (device.height() > nHeight && nHeight > 0) {
+        painter.drawImage(QRect(0, nHeight, nWidth, device.height() - nHeight), picture,
+                          QRect(0, nHeight - 1, nWidth, 1));
+    }
+    if (device.width() > nWidth && nWidth > 0) {
+        painter.drawImage(QRect(nWidth, 0, device.width() - nWidth, device.height()), picture,
+                          QRect(nWidth - 1, 0, 1, nHeight));
     }
 }
 

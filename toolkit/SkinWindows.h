@@ -37,6 +37,8 @@ QImage LoadShapedBackdrop(const QString& relativePath);
 // Sizes the window to the picture (device pixels) and cuts its outline from the key blue
 // corners. A null picture leaves size and outline alone.
 void ShapeWindowToBackdrop(QWidget* pWindow, const QImage& backdrop);
+// Paints the picture that ShapeWindowToBackdrop sized the window to, as the window's face.
+void PaintBackdrop(QWidget* pWindow, const QImage& picture);
 // Places a child at a rectangle in its parent's device pixels.
 void PlaceChild(QWidget* pChild, const QRect& device);
 // Centres a top-level window over its parent's window when that is on screen, else on the
