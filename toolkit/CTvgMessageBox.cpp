@@ -11,12 +11,10 @@
 #include "SkinWindows.h"
 #include "TvnText.h"
 
-#include <QApplication>
 #include <QFontMetrics>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
-#include <QScreen>
 #include <QWindow>
 #include <QtMath>
 
@@ -332,21 +330,7 @@ void CTvgMessageBox::DrawTextIntoBody() {
 void CTvgMessageBox::ApplyShape() {
     ShapeWindowToBackdrop(this, m_body);
     setFixedSize(size());
-    CentreWindow();
-}
-
-void CTvgMessageBox::CentreWindow() {
-    QWidget* pOwner =
-        parentWidget() != nullptr ? parentWidget()->window() : QApplication::activeWindow();
-    QRect area;
-    if (pOwner != nullptr && pOwner != this && pOwner->isVisible()) {
-        area = pOwner->frameGeometry();
-    } else if (const QScreen* pScreen = screen(); pScreen != nullptr) {
-        area = pScreen->availableGeometry();
-    }
-    if (area.isValid()) {
-        move(area.center() - rect().center());
-    }
+    CenterWindow(this);
 }
 
 void CTvgMessageBox::CreateButtons() {

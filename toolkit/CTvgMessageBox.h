@@ -114,7 +114,6 @@ private:
     void ApplyShape();
     void CreateButtons();
     void PlaceTitleAndIcon();
-    void CentreWindow();
     void OnCommand(int nId);
 
     bool m_bTopMost;

@@ -5,7 +5,7 @@
 #include "SkinImages.h"
 #include "SkinRegions.h"
 
-#include <QGuiApplication>
+#include <QApplication>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScreen>
@@ -139,12 +139,12 @@ void PlaceChild(QWidget* pChild, const QRect& device) {
 }
 
 void CenterWindow(QWidget* pWindow) {
-    const QWidget* pOwner =
-        pWindow->parentWidget() != nullptr ? pWindow->parentWidget()->window() : nullptr;
+    const QWidget* pOwner = pWindow->parentWidget() != nullptr ? pWindow->parentWidget()->window()
+                                                               : QApplication::activeWindow();
     QRect area;
-    if (pOwner != nullptr && pOwner->isVisible() && !pOwner->isMinimized()) {
+    if (pOwner != nullptr && pOwner != pWindow && pOwner->isVisible() && !pOwner->isMinimized()) {
         area = pOwner->frameGeometry();
-    } else if (const QScreen* pScreen = QGuiApplication::primaryScreen()) {
+    } else if (const QScreen* pScreen = pWindow->screen(); pScreen != nullptr) {
         area = pScreen->availableGeometry();
     }
     if (area.isValid()) {

@@ -41,8 +41,8 @@ void ShapeWindowToBackdrop(QWidget* pWindow, const QImage& backdrop);
 void PaintBackdrop(QWidget* pWindow, const QImage& picture);
 // Places a child at a rectangle in its parent's device pixels.
 void PlaceChild(QWidget* pChild, const QRect& device);
-// Centres a top-level window over its parent's window when that is on screen, else on the
-// screen's work area.
+// Centres a top-level window over its parent's window, or the active window for one without a
+// parent, when that is on screen; else on the screen's work area.
 void CenterWindow(QWidget* pWindow);
 // A left press on the window itself starts the window manager's move; false if the press was
 // not one, or the platform cannot move windows.
