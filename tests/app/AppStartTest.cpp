@@ -2,7 +2,6 @@
 // line; with bad input there (no image, unreadable, gone while open, or an opening that the
 // person stops), after which the window still takes a good image; without a language table; and an
 // image that xorriso makes, opened by the real engine and walked into with the mouse.
-#include "../views/ViewsTestSupport.h"
 #include "AppTestSupport.h"
 #include "CAlphaButton.h"
 #include "CFileListView.h"
@@ -16,6 +15,7 @@
 #include "RestrictedTargets.h"
 #include "TestFiles.h"
 #include "ToolkitTestSupport.h"
+#include "ViewsTestSupport.h"
 
 #include <QDir>
 #include <QTemporaryDir>

@@ -1,10 +1,10 @@
 // Opening an image from the file list on the engine double: which names reach the engine, and
 // what the tree, the list, the title and the image folder show afterwards. The real engine and
 // bad images are the app's start test's.
-#include "../toolkit/ToolkitTestSupport.h"
 #include "CImageReader.h"
 #include "Locations.h"
 #include "TestFiles.h"
+#include "ToolkitTestSupport.h"
 #include "ViewsTestSupport.h"
 
 #include <QFileInfo>
