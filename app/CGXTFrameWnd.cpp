@@ -1,5 +1,6 @@
 #include "CGXTFrameWnd.h"
 
+#include "CDisplayScale.h"
 #include "DevicePixels.h"
 #include "SkinFonts.h"
 #include "SkinImages.h"
@@ -13,6 +14,7 @@
 #include <QPainter>
 #include <QToolTip>
 #include <QWindow>
+#include <algorithm>
 
 namespace {
 
@@ -196,10 +198,10 @@ void CGXTFrameWnd::PlaceClient() {
     if (m_pClient == nullptr) {
         return;
     }
-    const QSize size = DeviceSize(this);
+    const QSize size = UnitSize();
     const QRect client(kBandSide, kBandTop, size.width() - 2 * kBandSide,
                        size.height() - kBandTop - kBandBottom);
-    m_pClient->setGeometry(ToLogical(client, DevicePixelRatioOf(this)));
+    m_pClient->setGeometry(ToLogical(client, UnitRatio()));
 }
 
 // The corners are cut by the pieces' key colour. A maximised window fills the work area
@@ -209,7 +211,7 @@ void CGXTFrameWnd::UpdateMask() {
         clearMask();
         return;
     }
-    const QSize size = DeviceSize(this);
+    const QSize size = UnitSize();
     QRegion shape(QRect(QPoint(0, 0), size));
     for (int nCell : kCornerCells) {
         const QImage& piece = m_pieces[nCell - 1];
@@ -222,7 +224,7 @@ void CGXTFrameWnd::UpdateMask() {
         const QRegion cut = QRegion(piece.rect()).subtracted(outline);
         shape -= cut.translated(x, y);
     }
-    setMask(ToLogical(shape, DevicePixelRatioOf(this)));
+    setMask(ToLogical(shape, UnitRatio()));
 }
 
 QRect CGXTFrameWnd::ButtonRect(int nOrder) const {
@@ -230,13 +232,13 @@ QRect CGXTFrameWnd::ButtonRect(int nOrder) const {
         return {};
     }
     const int nRight =
-        DeviceSize(this).width() - kButtonsRight - nOrder * (m_buttonSize.width() + kButtonGap);
+        UnitSize().width() - kButtonsRight - nOrder * (m_buttonSize.width() + kButtonGap);
     return QRect(nRight - m_buttonSize.width(), kButtonHitTop, m_buttonSize.width(),
                  kButtonTop + m_buttonSize.height() - kButtonHitTop);
 }
 
 CGXTFrameWnd::Hit CGXTFrameWnd::HitTest(QPoint pt) const {
-    const QSize size = DeviceSize(this);
+    const QSize size = UnitSize();
     if (!QRect(QPoint(0, 0), size).contains(pt)) {
         return kHitNowhere;
     }
@@ -307,8 +309,9 @@ int CGXTFrameWnd::HoverCode(QPoint pt) const {
 
 void CGXTFrameWnd::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    PaintInDevicePixels(painter, this);
-    const QSize size = DeviceSize(this);
+    painter.scale(1.0 / UnitRatio(), 1.0 / UnitRatio());
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    const QSize size = UnitSize();
     PaintBorders(painter, size);
     PaintCaption(painter, size);
     PaintButtons(painter);
@@ -352,11 +355,18 @@ void CGXTFrameWnd::PaintCaption(QPainter& painter, QSize size) const {
     painter.drawImage(0, 0, topLeft);
     painter.drawImage(size.width() - topRight.width(), 0, topRight);
     painter.drawImage(kIconAt, m_icon);
-    painter.drawImage(QRect(QPoint(kIconAt.x() + m_icon.width() + kLogoGap, kLogoTop), kLogoSize),
-                      m_logo);
+    const QRect logo(QPoint(kIconAt.x() + m_icon.width() + kLogoGap, kLogoTop), kLogoSize);
+    painter.drawImage(logo, m_logo);
     painter.setFont(m_titleFont);
     painter.setPen(ColorFromRef(kTextWhite));
-    const QRect box((size.width() - kTitleBoxWidth) / 2, 0, kTitleBoxWidth, kCaptionBottom);
+    // Centred in the band, but never over the logo or the buttons of a narrow window.
+    const int nLeft = std::max((size.width() - kTitleBoxWidth) / 2, logo.right() + kLogoGap);
+    const int nRight = std::min((size.width() + kTitleBoxWidth) / 2,
+                                ButtonRect(kButtonCount - 1).left() - kButtonGap);
+    if (nRight <= nLeft) {
+        return;
+    }
+    const QRect box(nLeft, 0, nRight - nLeft, kCaptionBottom);
     painter.drawText(box, Qt::AlignCenter,
                      painter.fontMetrics().elidedText(windowTitle(), Qt::ElideRight, box.width()));
 }
@@ -405,8 +415,19 @@ void CGXTFrameWnd::changeEvent(QEvent* pEvent) {
     QWidget::changeEvent(pEvent);
 }
 
+// The band is laid out in the skin's pixels and grows as a whole with the interface scale, so
+// that it matches the command bar and the panes beneath it.
+qreal CGXTFrameWnd::UnitRatio() const {
+    return DevicePixelRatioOf(this) / GetUiScale();
+}
+
+QSize CGXTFrameWnd::UnitSize() const {
+    const qreal ratio = UnitRatio();
+    return QSize(qRound(width() * ratio), qRound(height() * ratio));
+}
+
 QPoint CGXTFrameWnd::DevicePoint(const QMouseEvent* pEvent) const {
-    return ToDevice(pEvent->position(), DevicePixelRatioOf(this));
+    return ToDevice(pEvent->position(), UnitRatio());
 }
 
 void CGXTFrameWnd::SetHotState(int nHotState) {

@@ -92,6 +92,8 @@ private:
     void PaintCaption(QPainter& painter, QSize size) const;
     void PaintButtons(QPainter& painter) const;
     const QImage& ButtonPicture(int nOrder) const;
+    qreal UnitRatio() const;
+    QSize UnitSize() const;
     QPoint DevicePoint(const QMouseEvent* pEvent) const;
     void SetHotState(int nHotState);
     void ShowButtonTip(int nHoverCode, QPoint globalPos);

@@ -45,6 +45,10 @@ int Scaled(int nValue) {
     return static_cast<int>(nValue * GetUiScale());
 }
 
+QSize Scaled(QSize size) {
+    return QSize(Scaled(size.width()), Scaled(size.height()));
+}
+
 IntReg PlacementValue(const char16_t* pName) {
     return IntReg(RegRoot::CurrentUser, QString::fromUtf16(kSettingsKey), QString::fromUtf16(pName),
                   false);
@@ -76,6 +80,8 @@ CMainFrame::CMainFrame(QWidget* pParent) : CGXTFrameWnd(pParent) {
     if (g_pImageReader != nullptr) {
         g_pImageReader->SetCallback(ImageReaderCallback, this);
     }
+    // The frame owns the watch as its child.
+    new CSessionWatch([this](CSessionWatch::Event event) { OnSessionEvent(event); }, this);
 }
 
 // The reader may outlive the frame, and must not call into it then.
@@ -124,8 +130,8 @@ void CMainFrame::SetPanes(QWidget* pLeft, QWidget* pRight) {
     m_pSplitter->setStretchFactor(0, 0);
     m_pSplitter->setStretchFactor(1, 1);
     const qreal dpr = DevicePixelRatioOf(this);
-    const int nLeft = ToLogical(QSize(kLeftPaneWidth, 0), dpr).width();
-    const int nTotal = ToLogical(kDefaultSize, dpr).width();
+    const int nLeft = ToLogical(QSize(Scaled(kLeftPaneWidth), 0), dpr).width();
+    const int nTotal = ToLogical(Scaled(kDefaultSize), dpr).width();
     m_pSplitter->setSizes({nLeft, nTotal - nLeft});
     m_pActivePane = pLeft;
     m_pFolderTree = dynamic_cast<CFolderTreeView*>(pLeft);
@@ -265,6 +271,12 @@ bool CMainFrame::event(QEvent* pEvent) {
     return CGXTFrameWnd::event(pEvent);
 }
 
+void CMainFrame::OnSessionEvent(CSessionWatch::Event) {
+    if (g_pImageReader != nullptr && g_pImageReader->IsCopying()) {
+        g_pImageReader->SetStop(1);
+    }
+}
+
 // The pane that last took the keyboard focus is the one the command route asks first.
 void CMainFrame::OnFocusChanged(QWidget* pNow) {
     for (QWidget* pPane : {m_pLeftPane, m_pRightPane}) {
@@ -380,7 +392,7 @@ void CMainFrame::ShowAtSavedPlacement() {
     const qreal dpr = DevicePixelRatioOf(this);
     Placement placement;
     if (!ReadPlacement(placement)) {
-        resize(ToLogical(kDefaultSize, dpr));
+        resize(ToLogical(Scaled(kDefaultSize), dpr));
         show();
     } else if (placement.bMaximised) {
         showMaximized();

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "CGXTFrameWnd.h"
+#include "CSessionWatch.h"
 #include "ICommandTarget.h"
 #include "QmzTypes.h"
 
@@ -87,6 +88,10 @@ public:
     bool IsTimerRunning(int nTimer) const;
     // Shows the reader's progress of the job that timer nTimer follows.
     void OnTimer(int nTimer);
+
+    // A running extraction is stopped before the session ends or the machine sleeps: its
+    // partial file is removed rather than left behind cut short. An opening goes on.
+    void OnSessionEvent(CSessionWatch::Event event);
 
     // The active pane first, then the frame's own commands.
     bool OnCommand(int nId) override;

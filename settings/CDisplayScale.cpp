@@ -22,9 +22,19 @@ unsigned CDisplayScale::IsDpiAwareEnabled() const {
     return value.Get();
 }
 
+// A Linux desktop scales programs only when they scale themselves: there is no system
+// stretching of a program that does not. A scale the user gave the desktop is the wish to
+// see everything larger, so without the setting the interface follows the screen; an
+// explicit 0 keeps it at its pixel sizes.
+bool CDisplayScale::FollowsScreen() const {
+    DwordReg value(RegRoot::LocalMachine, QString::fromUtf16(kSettingsKey),
+                   QStringLiteral("EnableDPIAware"), false, m_pRegistry);
+    return !value.Read() || value.Get() != 0;
+}
+
 double CDisplayScale::GetDpiScale(bool bForced) {
     if (m_nDpiScaleAware < 0) {
-        m_nDpiScaleAware = IsDpiAwareEnabled() != 0 ? 1 : 0;
+        m_nDpiScaleAware = FollowsScreen() ? 1 : 0;
     }
     if (m_nDpiScaleAware == 0 && !bForced) {
         return 1.0;
@@ -34,7 +44,7 @@ double CDisplayScale::GetDpiScale(bool bForced) {
 
 double CDisplayScale::GetUiScale() {
     if (m_nUiScaleAware < 0) {
-        m_nUiScaleAware = IsDpiAwareEnabled() != 0 ? 1 : 0;
+        m_nUiScaleAware = FollowsScreen() ? 1 : 0;
     }
     if (m_nUiScaleAware == 0) {
         return 1.0;

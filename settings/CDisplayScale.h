@@ -1,5 +1,5 @@
 // How much the interface is scaled: by the display's DPI, and in two steps only (1.0 or 1.5),
-// when the machine-wide EnableDPIAware asks for it. The setting is read once per process, so
+// unless the machine-wide EnableDPIAware is 0. The setting is read once per process, so
 // turning it on takes a restart.
 #pragma once
 
@@ -13,9 +13,9 @@ public:
 
     explicit CDisplayScale(CRegistry* pRegistry = nullptr) : m_pRegistry(pRegistry) {}
 
-    // DPI / 96 if DPI awareness is on or bForced; else 1.0.
+    // DPI / 96 unless EnableDPIAware is 0 and not bForced; else 1.0.
     double GetDpiScale(bool bForced);
-    // 1.5 at a DPI scale of 1.5 or more with DPI awareness on; 1.0 otherwise.
+    // 1.5 at a DPI scale of 1.5 or more unless EnableDPIAware is 0; 1.0 otherwise.
     double GetUiScale();
     // EnableDPIAware, 0 if absent; read anew on every call.
     unsigned IsDpiAwareEnabled() const;
@@ -25,6 +25,8 @@ public:
     static CDisplayScale& Instance();
 
 private:
+    bool FollowsScreen() const;
+
     CRegistry* m_pRegistry;
     // Each user of the setting reads it once, on its own first call.
     int m_nDpiScaleAware = -1;

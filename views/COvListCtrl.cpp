@@ -1,8 +1,11 @@
 #include "COvListCtrl.h"
 
 #include "COvDataItem.h"
+#include "Formatting.h"
 #include "ViewPalette.h"
 
+#include <QDateTime>
+#include <QFontMetrics>
 #include <QHeaderView>
 #include <QHelpEvent>
 #include <QListView>
@@ -20,6 +23,19 @@ constexpr int kLargeIcon = 32;
 constexpr int kLargeIconCellWidth = 96;
 constexpr int kLargeIconCellHeight = 64;
 constexpr int kListCellPadding = 4;
+// Room beside a cell's text for the style's margins.
+constexpr int kCellTextMargin = 12;
+constexpr int kMonths = 12;
+
+// The widest date of the user's format, on two-digit days and hours, with each month's name.
+int WidestDateWidth(const QFontMetrics& metrics) {
+    int nWidest = 0;
+    for (int nMonth = 1; nMonth <= kMonths; ++nMonth) {
+        const QDateTime sample(QDate(2000, nMonth, 28), QTime(20, 58, 58));
+        nWidest = std::max(nWidest, metrics.horizontalAdvance(FormatDateTime(sample)));
+    }
+    return nWidest;
+}
 
 } // namespace
 
@@ -52,6 +68,11 @@ void COvListCtrl::MakeReport() {
     pHeader->setSortIndicator(-1, Qt::AscendingOrder);
     for (int i = 0; i < COvListModel::ColumnCount; ++i) {
         pHeader->resizeSection(i, kColumnWidths[i]);
+    }
+    // Long date formats of some languages do not fit the date column's usual width.
+    const int nDateWidth = WidestDateWidth(m_pReport->fontMetrics()) + kCellTextMargin;
+    if (nDateWidth > kColumnWidths[COvListModel::ColumnDate]) {
+        pHeader->resizeSection(COvListModel::ColumnDate, nDateWidth);
     }
     connect(pHeader, &QHeaderView::sectionClicked, this, &COvListCtrl::columnClicked);
     connect(m_pReport, &QAbstractItemView::doubleClicked, this,

@@ -5,11 +5,13 @@
 #include "CFolderTreeView.h"
 #include "CImageReader.h"
 #include "CMainFrame.h"
+#include "COvDataItem.h"
 #include "COvrinDoc.h"
 #include "CProgressDlg.h"
 #include "CWindowMessage.h"
 #include "ToolkitTestSupport.h"
 
+#include <QFile>
 #include <QStorageInfo>
 #include <QTemporaryDir>
 #include <QTest>
@@ -175,3 +177,40 @@ TEST_F(ReaderCallback, TheStopButtonReachesTheReader) {
 }
 
 } // namespace
+
+// Before the session ends or the machine sleeps, a running extraction stops and leaves no cut
+// file behind; at any other time the reader is left alone.
+TEST_F(ReaderCallback, TheEndOfTheSessionAndSleepStopAnExtraction) {
+    const QString listing = m_dir.filePath(u"image.txt"_s);
+    QFile file(listing);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("f 50000000 0 big\n");
+    file.close();
+    COvDataItem root(QString(), COvDataItem::KindRoot, 0, 0);
+    ASSERT_EQ(m_reader.OpenImage(listing, &root), qmz::kOk);
+    for (const auto event : {CSessionWatch::EndOfSession, CSessionWatch::Suspend}) {
+        m_reader.SetStop(0);
+        m_pFrame->OnSessionEvent(event);
+        EXPECT_EQ(m_reader.GetStop(), 0);
+
+        // The notice of the copy's start arrives while the reader copies.
+        struct Relay {
+            CMainFrame* pFrame;
+            CSessionWatch::Event event;
+        } relay{m_pFrame.get(), event};
+        m_reader.SetCallback(
+            [](uint32_t nCode, const char16_t* pPayload, void* pContext) {
+                auto* pRelay = static_cast<Relay*>(pContext);
+                CMainFrame::ImageReaderCallback(nCode, pPayload, pRelay->pFrame);
+                if (nCode == NOTIFY_COPY_BEGIN) {
+                    pRelay->pFrame->OnSessionEvent(pRelay->event);
+                }
+            },
+            &relay);
+        const QString target = m_dir.filePath(u"big"_s);
+        m_reader.SetTotalBytes(root.m_ullSize);
+        EXPECT_EQ(m_reader.CopyFile(u"big"_s, target, nullptr), qmz::kStopped);
+        EXPECT_FALSE(QFile::exists(target));
+        Notify(NOTIFY_COPY_END);
+    }
+}
