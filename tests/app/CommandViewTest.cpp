@@ -129,6 +129,16 @@ TEST(HighScale, TheLargePicturesAndSizesAreUsed) {
     EXPECT_EQ(frame.minimumWidth(), 450);
     EXPECT_EQ(frame.CommandView()->height(), 37);
     EXPECT_EQ(frame.CommandView()->Button(639)->IconSize(), QSize(105, 35));
+
+    // The band grows with the rest: in Qt's pixels it lies where it lies at 1.0, and its close
+    // button is where the picture shows it.
+    frame.resize(800, 400);
+    frame.show();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(frame.Client()->geometry(), QRect(6, 44, 788, 349));
+    toolkittest::ClickAt(frame, QPoint(779, 20));
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(frame.isVisible());
 }
 
 } // namespace
