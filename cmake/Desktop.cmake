@@ -71,5 +71,7 @@ set(CPACK_DEBIAN_PACKAGE_MAINTAINER "Ovrin developers <ovrin@brindleway.example>
 set(CPACK_DEBIAN_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_PACKAGE_HOMEPAGE ${OVRIN_HOMEPAGE})
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+# The build keeps its debugging information; the package does not need it.
+set(CPACK_STRIP_FILES ON)
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "fonts-dejavu-core, adwaita-icon-theme, hicolor-icon-theme")
 include(CPack)
