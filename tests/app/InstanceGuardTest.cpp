@@ -227,11 +227,19 @@ TEST(InstanceGuard, EachFamilyRowAllowsOrRefusesByItsProgramsAndNotifiesOnRefusa
         {"own lock and an older Ovrin up", "ovrin8", {kOwn}, {false, {kAlreadyRunning}}, {kOwn}},
         {"own lock, no Ovrin up", "viewer", {kOwn}, refused, {kOwn}},
     };
+    // A real Ovrin open on the machine counts for row 5 whatever the test's stand-in is named.
+    const bool bOvrinElsewhere = CInstanceGuard::IsProcessRunning(u"ovrin"_s) ||
+                                 CInstanceGuard::IsProcessRunning(u"ovrin8"_s) ||
+                                 CInstanceGuard::IsProcessRunning(u"ovrin9"_s);
     const ts::TempDir temp;
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         StandIn family(temp, c.program, c.held);
-        EXPECT_EQ(SecondStart(), c.outcome);
+        Outcome expected = c.outcome;
+        if (bOvrinElsewhere && c.held == std::vector<int>{kOwn}) {
+            expected.boxes = {kAlreadyRunning};
+        }
+        EXPECT_EQ(SecondStart(), expected);
         EXPECT_EQ(family.Notices(), NoticesOf(c.notices));
     }
 }
