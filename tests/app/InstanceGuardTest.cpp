@@ -338,6 +338,39 @@ TEST(InstanceGuard, TheRunningProgramOpensAHandedOverFileAndIgnoresMalformedRequ
     ::close(silent);
 }
 
+// A running program in the middle of a long opening takes no input: the second start tells
+// the person and keeps its file.
+TEST(InstanceGuard, ABusyRunningProgramIsHandedNothing) {
+    const ts::TempDir temp;
+    // The program's folder with the engine double in place of the engine; the program is a
+    // copy, as it finds its folder through the file it runs from.
+    const std::filesystem::path folder = temp / "program";
+    const std::filesystem::path built = std::filesystem::path(OVRIN_PATH).parent_path();
+    std::filesystem::create_directories(folder);
+    std::filesystem::copy_file(OVRIN_PATH, folder / "ovrin");
+    std::filesystem::create_symlink(FAKEQMZ_PATH, folder / "Qmz.so");
+    for (const char* pData : {"Image", "Language"}) {
+        std::filesystem::create_directory_symlink(built / pData, folder / pData);
+    }
+    const std::string listing = "volume LONG\nwait-running 100000000\nd 0 Docs\n";
+    ts::WriteFile(temp / "long.iso", std::vector<uint8_t>(listing.begin(), listing.end()));
+    const QString image = MadeImage(temp, "other.iso");
+
+    Program busy(QString::fromStdString((folder / "ovrin").string()),
+                 {QString::fromStdString((temp / "long.iso").string())});
+    // The progress dialog stands in front of the disabled window.
+    ASSERT_TRUE(WaitFor([] {
+        return InstanceState() ==
+               (CInstanceChannel::kStateDisabled | CInstanceChannel::kStatePopup);
+    }));
+    const toolkittest::CommittedSkin texts;
+    BoxCatcher boxes;
+    CInstanceGuard guard;
+    EXPECT_FALSE(guard.TakeOwnLock(image));
+    EXPECT_EQ(boxes.m_lstTexts, QStringList{kAlreadyRunning});
+    EXPECT_FALSE(ImageIsOpenElsewhere(image));
+}
+
 TEST(InstanceGuard, AKilledInstanceOrABadCommandLineNeverBlocksAStart) {
     const ts::TempDir temp;
     {
