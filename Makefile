@@ -4,6 +4,9 @@
 #   make test  installs the test tools besides, checks the formatting, builds, and runs every
 #              test (plain and sanitized)
 #   make fuzz-long  fuzzes the engine for FUZZ_SECONDS (default half an hour)
+#   make install    installs the program under PREFIX (default /usr/local), as the desktop
+#                   finds it: command, menu entry, icons, file types
+#   make package    builds the Debian package, ovrin_<version>_<arch>.deb in the build folder
 
 BUILD      ?= build
 BUILD_ASAN ?= build-asan
@@ -14,7 +17,7 @@ LOCK       := flock /tmp/ovrin-build.lock
 CMAKE_GEN  := -G Ninja -DOVRIN_WERROR=ON -DCMAKE_CXX_COMPILER_LAUNCHER=ccache -DCMAKE_C_COMPILER_LAUNCHER=ccache
 
 .PHONY: all deps configure build run test test-plain test-asan format-check fuzz-long bench \
-	bench-extract format clean
+	bench-extract format clean install package
 
 all: build
 
@@ -23,7 +26,7 @@ all: build
 # build first.
 DEPS    ?= run
 TESTING ?= OFF
-test test-plain test-asan format-check format fuzz-long: DEPS = test
+test test-plain test-asan format-check format fuzz-long package: DEPS = test
 test test-plain test-asan fuzz-long: TESTING = ON
 bench bench-extract: DEPS = bench
 bench bench-extract: TESTING = ON
@@ -45,6 +48,14 @@ build: configure
 
 run: build
 	$(BUILD)/bin/ovrin $(BUILD)/bin/sample.iso
+
+PREFIX ?= /usr/local
+install: build
+	cmake --install $(BUILD) --prefix $(PREFIX)
+
+# dpkg-shlibdeps (dpkg-dev) reads the package's dependencies off its programs.
+package: build
+	$(LOCK) cmake --build $(BUILD) --target package
 
 # clang-format sees the C++ sources alone: it takes any other file for C++ too, and would
 # reflow the comments and names of the CMake files.

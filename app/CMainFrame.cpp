@@ -149,6 +149,21 @@ qmz::Result CMainFrame::OpenFile(const QString& path) {
     return m_pFileList != nullptr ? m_pFileList->OpenImageFile(path) : qmz::kOk;
 }
 
+void CMainFrame::OnCopyData(const QString& path) {
+    if (path.isEmpty() || (g_pImageReader != nullptr &&
+                           (g_pImageReader->IsCopying() || g_pImageReader->IsOpening()))) {
+        return;
+    }
+    if (isMinimized()) {
+        setWindowState(windowState() & ~Qt::WindowMinimized);
+    }
+    const qmz::Result hr = OpenFile(path);
+    if (hr < 0 && hr != qmz::kStopped) {
+        ShowMessageBox(tvn::kOpenFailed, mb::kOk, tvn::kBoxTitle, this,
+                       QString::fromUtf16(kDefaultMessageIcon), false);
+    }
+}
+
 void CMainFrame::ImageReaderCallback(uint32_t nCode, const char16_t* pPayload, void* pFrame) {
     const QString payload = pPayload != nullptr ? QString::fromUtf16(pPayload) : QString();
     static_cast<CMainFrame*>(pFrame)->OnReaderNotice(nCode, payload);

@@ -78,6 +78,9 @@ public:
 
     // Opens the image through the file list: its result, or 0 without a file list.
     qmz::Result OpenFile(const QString& path);
+    // A path that a second start of the program hands over: opened, the window restored
+    // first, unless the reader is busy copying or opening, when it is dropped without a word.
+    void OnCopyData(const QString& path);
 
     // The reader's and the file list's notices about their jobs; pFrame is the CMainFrame.
     static void ImageReaderCallback(uint32_t nCode, const char16_t* pPayload, void* pFrame);

@@ -6,6 +6,7 @@
 #include "CFileTypeCache.h"
 #include "CFolderTreeView.h"
 #include "CImageReader.h"
+#include "CInstanceChannel.h"
 #include "CLanguageChain.h"
 #include "CMainFrame.h"
 #include "COvrinDoc.h"
@@ -52,6 +53,21 @@ void PumpEvents(void*) {
     QCoreApplication::processEvents();
 }
 
+// The program's window in front of the frame that the user last saw, if any: the progress
+// dialog or a message box.
+QWidget* LastActivePopup(const QWidget* pFrame) {
+    if (QWidget* pModal = QApplication::activeModalWidget()) {
+        return pModal;
+    }
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    for (QWidget* pWindow : windows) {
+        if (pWindow != pFrame && pWindow->isVisible() && pWindow->windowType() == Qt::Dialog) {
+            return pWindow;
+        }
+    }
+    return nullptr;
+}
+
 } // namespace
 
 COvrinApp::COvrinApp(QStringList arguments, Setup setup)
@@ -96,6 +112,7 @@ bool COvrinApp::InitInstance() {
     BuildGlobalFont();
     CreateImageReader();
     CreateFrame();
+    ListenForSecondStarts();
     return OpenFileOnStart();
 }
 
@@ -126,10 +143,49 @@ void COvrinApp::ParseCommandLine() {
     }
 }
 
-// The checks against a second start of the program or of its siblings come with the instance
-// guard; until then every start goes on.
-bool COvrinApp::PassGuards() const {
-    return true;
+// The family's programs first, in their fixed order, then this program's own lock.
+bool COvrinApp::PassGuards() {
+    for (const CInstanceGuard::FamilyRow& row : CInstanceGuard::kFamily) {
+        if (CInstanceGuard::StopsStart(row)) {
+            return false;
+        }
+    }
+    return m_guard.TakeOwnLock(m_strFileToOpen);
+}
+
+// A second start that came up beside this one finds the window here. Without the socket the
+// program still runs; a second start then ends without handing its file over.
+void COvrinApp::ListenForSecondStarts() {
+    m_pChannel = std::make_unique<CInstanceChannel>(
+        [this] { return HandOverState(); }, [this](const QString& path) { OnSecondStart(path); });
+    m_pChannel->Listen(CInstanceGuard::AddressOf(CInstanceGuard::InstanceSocketName()));
+}
+
+// A modal box up counts as a disabled window, as its owner is disabled on other systems.
+uint8_t COvrinApp::HandOverState() const {
+    uint8_t nState = 0;
+    if (!m_pFrame->isEnabled() || QApplication::activeModalWidget() != nullptr) {
+        nState |= CInstanceChannel::kStateDisabled;
+    }
+    if (LastActivePopup(m_pFrame.get()) != nullptr) {
+        nState |= CInstanceChannel::kStatePopup;
+    }
+    return nState;
+}
+
+// The window comes back from the task bar and to the front, with the box the user has yet to
+// answer in front of it; then it opens the file, if one came.
+void COvrinApp::OnSecondStart(const QString& path) {
+    if (m_pFrame->isMinimized()) {
+        m_pFrame->setWindowState(m_pFrame->windowState() & ~Qt::WindowMinimized);
+    }
+    QWidget* pFront = LastActivePopup(m_pFrame.get());
+    pFront = pFront != nullptr ? pFront : m_pFrame.get();
+    pFront->raise();
+    pFront->activateWindow();
+    if (!path.isEmpty()) {
+        m_pFrame->OnCopyData(path);
+    }
 }
 
 // The toolkit's font keeps its height in device pixels at any DPI, as the skin's pictures do,
@@ -188,10 +244,12 @@ bool COvrinApp::OpenFileOnStart() {
 // The window goes first, with the panes that read the document, as the window system closes
 // it before the program ends; the reader then goes before the language it reports in.
 int COvrinApp::ExitInstance() {
+    m_pChannel.reset();
     SetMainWindowForText(nullptr);
     m_pFrame.reset();
     m_pDocument.reset();
     SetInstallFolder(QString());
+    m_guard.ReleaseOwnLock();
     g_pImageReader = nullptr;
     m_pReader.reset();
     if (m_pLanguage != nullptr) {

@@ -3,13 +3,16 @@
 // line names, and takes all of it down again in a fixed order.
 #pragma once
 
+#include "CInstanceGuard.h"
 #include "CTvnStringTable.h"
 
 #include <QString>
 #include <QStringList>
+#include <cstdint>
 #include <memory>
 
 class CImageReader;
+class CInstanceChannel;
 class CLanguageChain;
 class CMainFrame;
 class COvrinDoc;
@@ -43,7 +46,10 @@ public:
 private:
     bool LoadLanguage();
     void ParseCommandLine();
-    bool PassGuards() const;
+    bool PassGuards();
+    void ListenForSecondStarts();
+    uint8_t HandOverState() const;
+    void OnSecondStart(const QString& path);
     static void BuildGlobalFont();
     void CreateImageReader();
     void CreateFrame();
@@ -56,6 +62,9 @@ private:
     CTvnStringTable m_table;
     bool m_bTableLoaded = false;
     QString m_strFileToOpen;
+    // Holds this program's instance lock from the guard until the end.
+    CInstanceGuard m_guard;
+    std::unique_ptr<CInstanceChannel> m_pChannel;
     std::unique_ptr<COvrinDoc> m_pDocument;
     std::unique_ptr<CImageReader> m_pReader;
     std::unique_ptr<CMainFrame> m_pFrame;

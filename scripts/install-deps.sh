@@ -1,7 +1,8 @@
 #!/bin/sh
 # Installs the Debian packages that one kind of work needs, only those that are missing:
 #   run    building and running the program
-#   test   the above, and the tools the tests make and check images with, the fuzzer's clang
+#   test   the above, and the tools the tests make and check images with, the fuzzer's clang,
+#          and the desktop's validators and the Debian packaging tools that the install test uses
 #   bench  the above, and the benchmarks' timer and peer tools
 # Runs apt-get as root, or through sudo.
 set -eu
@@ -11,7 +12,8 @@ tier=${1:-run}
 RUN_PACKAGES="cmake ninja-build ccache g++ qt6-base-dev libsqlite3-dev zlib1g-dev xorriso
 fonts-dejavu-core adwaita-icon-theme"
 TEST_PACKAGES="libgtest-dev googletest clang clang-format genisoimage libarchive-tools
-p7zip-full dvdauthor ffmpeg udftools udfclient util-linux qt6-svg-dev"
+p7zip-full dvdauthor ffmpeg udftools udfclient util-linux qt6-svg-dev desktop-file-utils appstream
+xdg-utils dpkg-dev"
 BENCH_PACKAGES="hyperfine time xvfb xauth"
 
 case "$tier" in

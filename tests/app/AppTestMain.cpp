@@ -1,5 +1,6 @@
 // The application's tests run inside one QApplication with the toolkit's hooks, on settings
-// stores of their own that the process throws away.
+// stores of their own that the process throws away, with instance locks of their own.
+#include "CInstanceGuard.h"
 #include "ToolkitHooks.h"
 
 #include <QApplication>
@@ -15,6 +16,8 @@ int main(int argc, char** argv) {
     qputenv("BRINDLEWAY_USER_REGISTRY", stores.filePath(QStringLiteral("user.db")).toLocal8Bit());
     qputenv("BRINDLEWAY_MACHINE_REGISTRY",
             stores.filePath(QStringLiteral("machine.db")).toLocal8Bit());
+    qputenv(CInstanceGuard::kScopeVariable,
+            "tests-" + QByteArray::number(QCoreApplication::applicationPid()));
     QApplication app(argc, argv);
     InstallToolkitHooks();
     ::testing::InitGoogleTest(&argc, argv);
