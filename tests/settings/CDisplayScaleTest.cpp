@@ -1,4 +1,3 @@
-// The two interface sizes, and the DPI setting that is read once.
 #include "CDisplayScale.h"
 #include "CRegistry.h"
 #include "ScalarReg.h"

@@ -108,13 +108,6 @@ TEST_F(RegValue, AStringOf1023CharactersOrMoreDoesNotRead) {
     EXPECT_FALSE(text.Read());
 }
 
-TEST_F(RegValue, AWriteThroughBoolReadsTheStoreOnEveryGet) {
-    BoolReg flag(RegRoot::CurrentUser, kKey, u"IsSystemDefault"_s, true, &m_registry);
-    EXPECT_FALSE(flag.Get());
-    BoolReg(RegRoot::CurrentUser, kKey, u"IsSystemDefault"_s, true, &m_registry) = true;
-    EXPECT_TRUE(flag.Get());
-}
-
 TEST_F(RegValue, AnArrayIsAWholeKeyOfRecordsOfOneSize) {
     const QString key = kKey + u"\\Recent"_s;
     ArrayReg array(RegRoot::CurrentUser, key, 4, &m_registry);
