@@ -1,4 +1,3 @@
-// Locations over a temporary pair of stores and a temporary home.
 #include "Locations.h"
 #include "CRegistry.h"
 #include "QtPrinters.h"

@@ -1,4 +1,3 @@
-// The nine value objects over a temporary pair of stores.
 #include "ArrayReg.h"
 #include "ArrayStringReg.h"
 #include "CRegistry.h"

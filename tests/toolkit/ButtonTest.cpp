@@ -1,4 +1,3 @@
-// The three buttons driven as a person would: mouse, keys, and the repeat timer's ticks.
 #include "CAlphaButton.h"
 #include "CGButton.h"
 #include "CGXTButton.h"

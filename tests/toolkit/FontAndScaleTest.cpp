@@ -1,4 +1,3 @@
-// Fonts that keep their pixel height, the language's button size, and text measuring.
 #include "CTvnStringTable.h"
 #include "Formatting.h"
 #include "SkinFonts.h"

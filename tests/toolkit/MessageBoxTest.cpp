@@ -1,5 +1,3 @@
-// The message box on the committed pictures and the English texts: its size by its text, the
-// buttons and icon of each type, the answer of each button and key, and a box without pictures.
 #include "CAlphaButton.h"
 #include "CAlphaStatic.h"
 #include "CGStatic.h"
