@@ -80,12 +80,6 @@ TEST_F(Locations, TheFirstUseOfAFolderSettingStoresDocuments) {
     EXPECT_TRUE(QFileInfo(documents).isDir());
 }
 
-TEST_F(Locations, MakeFolderPathMakesParentsAndFailsOnAFolderThatStands) {
-    EXPECT_TRUE(MakeFolderPath(Home("a/b/c/")));
-    EXPECT_TRUE(QFileInfo(Home("a/b/c")).isDir());
-    EXPECT_FALSE(MakeFolderPath(Home("a/b/c")));
-}
-
 TEST_F(Locations, SiblingsAreFoundInTheFirstSubkeyWithAnInstallPath) {
     QString path = u"unchanged"_s;
     EXPECT_FALSE(GetBurningProgramPath(&path, &m_registry));
