@@ -72,19 +72,6 @@ TEST(TvnDataTree, InsertLinksBehindTheSiblingOrInFront) {
     }
 }
 
-TEST(TvnDataTree, InsertWithoutParentReplacesTheRootAndLeavesTheOldOneUnlinked) {
-    TreeWithChildren t("A");
-    ITvnTreeNode* pOldRoot = t.tree.GetRoot();
-    ITvnTreeNode* pNew =
-        t.tree.InsertNode(QStringLiteral("/other/b.txt"), nullptr, nullptr, ITvnTreeNode::KindFile,
-                          7, 0, 0, 0, nullptr, t.nodes["A"], nullptr);
-    EXPECT_EQ(t.tree.GetRoot(), pNew);
-    EXPECT_EQ(pNew->GetDest(), QStringLiteral("b.txt"));
-    EXPECT_EQ(pNew->GetPrev(), nullptr);
-    EXPECT_EQ(t.nodes["A"]->GetNext(), nullptr);
-    t.tree.RemoveNode(pOldRoot);
-}
-
 struct RemoveCase {
     const char* removed;
     const char* links;
@@ -125,8 +112,11 @@ TEST(TvnDataTree, SwapIsCorrectForAFirstChildOrNeighboursAndOneSidedOtherwise) {
     };
     for (const SwapCase& c : cases) {
         TreeWithChildren t("A B C D");
+        ITvnTreeNode* pChild = t.Insert("c", nullptr, 0, ITvnTreeNode::KindFile, t.nodes[c.b]);
         EXPECT_EQ(t.tree.SwapNodes(t.nodes[c.a], t.nodes[c.b]), qmz::kOk);
         EXPECT_EQ(t.Links(), c.links) << c.a << c.b;
+        EXPECT_EQ(t.nodes[c.b]->GetFirstChild(), pChild) << "children stay with their node";
+        EXPECT_EQ(pChild->GetParent(), t.nodes[c.b]);
         if (std::string(c.a) == "C") {
             // Give the list a shape that the tree can free: C B A D.
             t.tree.GetRoot()->SetFirstChild(t.nodes["C"]);
@@ -135,14 +125,6 @@ TEST(TvnDataTree, SwapIsCorrectForAFirstChildOrNeighboursAndOneSidedOtherwise) {
     TreeWithChildren t("A");
     EXPECT_EQ(t.tree.SwapNodes(nullptr, t.nodes["A"]), kTvnBadNode);
     EXPECT_EQ(t.tree.SwapNodes(t.nodes["A"], nullptr), kTvnBadNode);
-}
-
-TEST(TvnDataTree, SwapKeepsChildrenWithTheirNodes) {
-    TreeWithChildren t("A B");
-    ITvnTreeNode* pChild = t.Insert("c", nullptr, 0, ITvnTreeNode::KindFile, t.nodes["B"]);
-    t.tree.SwapNodes(t.nodes["A"], t.nodes["B"]);
-    EXPECT_EQ(t.nodes["B"]->GetFirstChild(), pChild);
-    EXPECT_EQ(pChild->GetParent(), t.nodes["B"]);
 }
 
 struct AssignCase {

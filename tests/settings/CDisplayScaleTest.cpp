@@ -1,4 +1,3 @@
-// The two interface sizes, and the DPI setting that is read once.
 #include "CDisplayScale.h"
 #include "CRegistry.h"
 #include "ScalarReg.h"
@@ -25,10 +24,10 @@ TEST(CDisplayScale, TwoSizesOnlyAndTheSettingIsReadOnce) {
         double forcedScale;
         double uiScale;
     } cases[] = {
-        {0, 144, 1.0, 1.5, 1.0},      {1, 96, 1.0, 1.0, 1.0},
-        {1, 120, 1.25, 1.25, 1.0},    {1, 143, 143 / 96.0, 143 / 96.0, 1.0},
-        {1, 144, 1.5, 1.5, 1.5},      {1, 192, 2.0, 2.0, 1.5},
-        {kAbsent, 96, 1.0, 1.0, 1.0}, {kAbsent, 144, 1.5, 1.5, 1.5},
+        {0, 144, 1.0, 1.5, 1.0},       {1, 96, 1.0, 1.0, 1.0},
+        {1, 120, 1.25, 1.25, 1.0},     {1, 143, 143 / 96.0, 143 / 96.0, 1.0},
+        {1, 144, 1.5, 1.5, 1.5},       {1, 192, 2.0, 2.0, 1.5},
+        {kAbsent, 144, 1.5, 1.5, 1.5},
     };
     for (const auto& c : cases) {
         testsupport::TempDir dir;

@@ -1,4 +1,3 @@
-// The language chain's three outcomes, with the test double of the transfer library.
 #include "CLanguageChain.h"
 #include "CRegistry.h"
 #include "CTvnStringTable.h"

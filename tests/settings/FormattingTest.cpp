@@ -1,4 +1,3 @@
-// Sizes, numbers and dates as people read them, with the English unit names.
 #include "Formatting.h"
 #include "CTvnStringTable.h"
 #include "QtPrinters.h"

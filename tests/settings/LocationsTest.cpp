@@ -1,4 +1,3 @@
-// Locations over a temporary pair of stores and a temporary home.
 #include "Locations.h"
 #include "CRegistry.h"
 #include "QtPrinters.h"
@@ -79,12 +78,6 @@ TEST_F(Locations, TheFirstUseOfAFolderSettingStoresDocuments) {
     EXPECT_EQ(GetImageFolder(&m_registry), documents);
     EXPECT_EQ(Stored(u"ImagePath"_s), documents);
     EXPECT_TRUE(QFileInfo(documents).isDir());
-}
-
-TEST_F(Locations, MakeFolderPathMakesParentsAndFailsOnAFolderThatStands) {
-    EXPECT_TRUE(MakeFolderPath(Home("a/b/c/")));
-    EXPECT_TRUE(QFileInfo(Home("a/b/c")).isDir());
-    EXPECT_FALSE(MakeFolderPath(Home("a/b/c")));
 }
 
 TEST_F(Locations, SiblingsAreFoundInTheFirstSubkeyWithAnInstallPath) {

@@ -1,4 +1,3 @@
-// The nine value objects over a temporary pair of stores.
 #include "ArrayReg.h"
 #include "ArrayStringReg.h"
 #include "CRegistry.h"
@@ -106,13 +105,6 @@ TEST_F(RegValue, AStringOf1023CharactersOrMoreDoesNotRead) {
     EXPECT_TRUE(text.DeleteValue());
     EXPECT_FALSE(text.DeleteValue());
     EXPECT_FALSE(text.Read());
-}
-
-TEST_F(RegValue, AWriteThroughBoolReadsTheStoreOnEveryGet) {
-    BoolReg flag(RegRoot::CurrentUser, kKey, u"IsSystemDefault"_s, true, &m_registry);
-    EXPECT_FALSE(flag.Get());
-    BoolReg(RegRoot::CurrentUser, kKey, u"IsSystemDefault"_s, true, &m_registry) = true;
-    EXPECT_TRUE(flag.Get());
 }
 
 TEST_F(RegValue, AnArrayIsAWholeKeyOfRecordsOfOneSize) {

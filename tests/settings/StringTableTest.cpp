@@ -1,5 +1,3 @@
-// The language files: their format, and the English table against every text the program
-// uses.
 #include "CTvnStringTable.h"
 #include "Locations.h"
 #include "QtPrinters.h"

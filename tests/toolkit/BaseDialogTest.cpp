@@ -1,5 +1,3 @@
-// The skinned dialog base: which controls a style word makes and where the backdrop's size
-// puts them, the update button's two settings, and the keys of a person.
 #include "CAlphaButton.h"
 #include "CRegistry.h"
 #include "CTvgBaseDialog.h"

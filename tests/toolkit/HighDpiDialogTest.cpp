@@ -1,5 +1,6 @@
-// The three skinned dialogs on a 1.5 screen: with EnableDPIAware each is its 1.0 layout made
+// The skinned controls on a 1.5 screen. With EnableDPIAware each dialog is its 1.0 layout made
 // larger as a whole, so that no button falls outside its window; without it nothing moves.
+#include "CAlphaButton.h"
 #include "CDisplayScale.h"
 #include "CProgressDlg.h"
 #include "CTvgBaseDialog.h"
@@ -7,6 +8,7 @@
 #include "DevicePixels.h"
 #include "RegTypes.h"
 #include "ScalarReg.h"
+#include "SkinFonts.h"
 #include "ToolkitHooks.h"
 #include "ToolkitTestSupport.h"
 
@@ -46,15 +48,29 @@ bool Near(const QRect& actual, const QRectF& expected, double scale) {
            near(actual.bottom() + 1, expected.bottom());
 }
 
-// Run by CTest in a process of its own with the setting on and off.
-TEST(HighDpi, EverySkinnedDialogIsItsLayoutAtOneScaledAsAWhole) {
+// Run twice by CTest on a 1.5 screen (QT_SCALE_FACTOR), with EnableDPIAware set and unset in a
+// machine store of its own, as the setting is read once a process.
+TEST(HighDpi, TheSettingScalesButtonsFontsAndEveryDialogAsAWhole) {
     const QByteArray aware = qgetenv("OVRIN_TEST_DPI_AWARE");
     if (aware.isEmpty()) {
         GTEST_SKIP() << "runs only with a scale factor and a store of its own";
     }
+    const bool bAware = aware == "1";
     DwordReg(RegRoot::LocalMachine, QString::fromUtf16(kSettingsKey), u"EnableDPIAware"_s, true) =
-        aware == "1" ? 1 : 0;
-    const double scale = aware == "1" ? 1.5 : 1.0;
+        bAware ? 1 : 0;
+    const double scale = bAware ? 1.5 : 1.0;
+    EXPECT_DOUBLE_EQ(ScreenDeviceDpi(), 144.0);
+    EXPECT_DOUBLE_EQ(GetUiScale(), scale);
+
+    // A button of 100 by 30: 150 by 45 screen pixels when aware, which Qt's ratio of 1.5
+    // places as 100 by 30; unaware it keeps 100 by 30 screen pixels, 67 by 20 for Qt.
+    QWidget parent;
+    CAlphaButton button;
+    button.Create(u"OK"_s, kWsVisible, QRect(0, 0, 100, 30), &parent, 1);
+    EXPECT_EQ(button.size(), bAware ? QSize(100, 30) : QSize(67, 20));
+    // The label font: 12 screen pixels, 18 when aware; Qt's ratio is undone when painting.
+    EXPECT_EQ(MakeLabelFont().pixelSize(), bAware ? 18 : 12);
+
     CommittedSkin skin;
     const struct {
         const char* name;

@@ -1,4 +1,3 @@
-// Loading, premultiplying, splitting, keyed copies, saving and scaling of the skin's pictures.
 #include "CAlphaButton.h"
 #include "CAlphaStatic.h"
 #include "CControlFactory.h"
@@ -22,33 +21,30 @@ TEST(PremultipliedBitmap, MultipliesWithIntegerDivisionOnlyForALowerCasePngPath)
     const QImage picture = Strip({qRgba(201, 100, 50, 128)}, 2, 1);
     install.Save(picture, u"Image/Common/strip.png"_s);
     install.Save(picture, u"Image/Common/STRIP.PNG"_s);
+    const QImage marker = Strip({0xFF112233}, 1, 1);
     const struct {
         QString path;
         bool bPremultiply;
+        bool bLoaded;
         QRgb expected;
         QImage::Format format;
     } cases[] = {
-        {u"Image\\Common\\strip.png"_s, true, qRgba(100, 50, 25, 128),
+        {u"Image\\Common\\strip.png"_s, true, true, qRgba(100, 50, 25, 128),
          QImage::Format_ARGB32_Premultiplied},
-        {u"Image\\Common\\STRIP.PNG"_s, true, qRgba(201, 100, 50, 128), QImage::Format_ARGB32},
-        {u"Image/Common/strip.png"_s, false, qRgba(201, 100, 50, 128), QImage::Format_ARGB32},
+        {u"Image\\Common\\STRIP.PNG"_s, true, true, qRgba(201, 100, 50, 128),
+         QImage::Format_ARGB32},
+        {u"Image/Common/strip.png"_s, false, true, qRgba(201, 100, 50, 128), QImage::Format_ARGB32},
+        // A missing picture or no path leaves the output alone.
+        {u"Image/Common/none.png"_s, true, false, 0xFF112233, QImage::Format_ARGB32},
+        {QString(), true, false, 0xFF112233, QImage::Format_ARGB32},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.path.toStdString());
-        QImage bitmap;
-        ASSERT_TRUE(LoadPremultipliedBitmap(c.path, c.bPremultiply, bitmap));
-        EXPECT_EQ(bitmap.format(), c.format);
-        EXPECT_EQ(reinterpret_cast<const QRgb*>(bitmap.constScanLine(0))[0], c.expected);
-    }
-}
-
-TEST(PremultipliedBitmap, AMissingPictureOrNoPathLeavesTheOutputAlone) {
-    TempInstall install;
-    const QImage marker = Strip({0xFF112233}, 1, 1);
-    for (const QString& path : {u"Image/Common/none.png"_s, QString()}) {
         QImage bitmap = marker;
-        EXPECT_FALSE(LoadPremultipliedBitmap(path, true, bitmap));
-        EXPECT_EQ(bitmap, marker);
+        EXPECT_EQ(LoadPremultipliedBitmap(c.path, c.bPremultiply, bitmap), c.bLoaded);
+        EXPECT_EQ(bitmap.format(), c.format);
+        ASSERT_EQ(bitmap.width(), c.bLoaded ? 2 : 1);
+        EXPECT_EQ(reinterpret_cast<const QRgb*>(bitmap.constScanLine(0))[0], c.expected);
     }
     EXPECT_TRUE(LoadInstallImage(u"Image/Common/none.png"_s, true).isNull());
 }

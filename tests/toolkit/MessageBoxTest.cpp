@@ -1,5 +1,3 @@
-// The message box on the committed pictures and the English texts: its size by its text, the
-// buttons and icon of each type, the answer of each button and key, and a box without pictures.
 #include "CAlphaButton.h"
 #include "CAlphaStatic.h"
 #include "CGStatic.h"
@@ -27,16 +25,6 @@ const QString kShortText = u"Cancel the operation!!"_s;
 
 class MessageBox : public ::testing::Test {
 protected:
-    void SetUp() override {
-        ASSERT_TRUE(m_table.LoadFile(OVRIN_LANGUAGE_DIR "/Enu/Tvnrc.txt"_L1));
-        SetCurrentStringTable(&m_table);
-        SetInstallFolder(QDir(OVRIN_LANGUAGE_DIR "/.."_L1).absolutePath());
-    }
-    void TearDown() override {
-        SetInstallFolder(QString());
-        SetCurrentStringTable(nullptr);
-    }
-
     static std::unique_ptr<CTvgMessageBox> Box(const QString& text, uint32_t nType = mb::kOk,
                                                bool bTopMost = false) {
         return std::make_unique<CTvgMessageBox>(text, nType, tvn::kBoxTitle, nullptr,
@@ -63,7 +51,7 @@ protected:
                                   QString::fromUtf16(kDefaultMessageIcon), false);
     }
 
-    CTvnStringTable m_table;
+    toolkittest::CommittedSkin m_skin;
 };
 
 CAlphaButton* ButtonOf(CTvgMessageBox& box, int nId) {
@@ -80,18 +68,23 @@ QString Lines(int nCount) {
 
 TEST_F(MessageBox, GrowsWithItsTextWithinItsLimits) {
     const QString sentence = u"The files could not be extracted to the folder you chose. "_s;
+    constexpr int kAny = 10000;
     const struct {
         const char* name;
         QString text;
-        QSize size; // an empty size: grown by the text, checked below
+        QSize least;
+        QSize most;
     } cases[] = {
-        {"short", kShortText, {468, 208}},
-        {"empty", QString(), {468, 208}},
-        {"four lines fit the first 88 pixels", Lines(4), {468, 208}},
-        {"long", sentence.repeated(12), {}},
-        {"one very long line", u"x"_s.repeated(600), {}},
-        {"ten lines", Lines(10), {}},
-        {"very tall", Lines(80), {}},
+        {"short", kShortText, {468, 208}, {468, 208}},
+        {"empty", QString(), {468, 208}, {468, 208}},
+        {"four lines fit the first 88 pixels", Lines(4), {468, 208}, {468, 208}},
+        {"long", sentence.repeated(12), {469, 208}, {kAny, 768}},
+        {"one very long line kept on one line",
+         u"x"_s.repeated(600),
+         {468 + 875, 208},
+         {kAny, 208}},
+        {"ten lines", Lines(10), {468, 209}, {468, 767}},
+        {"very tall", Lines(80), {468, 768}, {468, 768}},
     };
     for (const auto& c : cases) {
         const auto pBox = Box(c.text);
@@ -102,18 +95,11 @@ TEST_F(MessageBox, GrowsWithItsTextWithinItsLimits) {
         EXPECT_EQ(text.left(), 100);
         EXPECT_EQ(size.width(), 468 + qMax(0, text.width() - 318));
         EXPECT_EQ(size.height(), 208 + qBound(0, text.height() - 88, 560));
-        if (!c.size.isEmpty()) {
-            EXPECT_EQ(size, c.size);
-        }
+        EXPECT_TRUE(size.width() >= c.least.width() && size.height() >= c.least.height() &&
+                    size.width() <= c.most.width() && size.height() <= c.most.height())
+            << size.width() << "x" << size.height();
         EXPECT_GE(text.top(), 31) << "never over the title line";
-        EXPECT_LE(size.height(), 768);
     }
-    EXPECT_GT(Box(cases[3].text)->BoxSize().width(), 468);
-    EXPECT_GT(Box(cases[4].text)->BoxSize().width(), 468 + 874) << "kept on one line";
-    EXPECT_EQ(Box(cases[4].text)->BoxSize().height(), 208);
-    EXPECT_GT(Box(cases[5].text)->BoxSize().height(), 208);
-    EXPECT_LT(Box(cases[5].text)->BoxSize().height(), 768);
-    EXPECT_EQ(Box(cases[6].text)->BoxSize().height(), 768);
 }
 
 TEST_F(MessageBox, ShortTextBoxIsShapedNamedAndStaysOnTopWhenAsked) {

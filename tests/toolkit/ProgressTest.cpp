@@ -1,5 +1,3 @@
-// The progress dialog and its bar: rounding, repaints only on a change of percent, the bar
-// going backwards, every way to cancel, and the texts cut to their room.
 #include "CAlphaButton.h"
 #include "CAlphaStatic.h"
 #include "CApProgressCtrl.h"

@@ -1,4 +1,3 @@
-// Labels: draw flags by style, a block of lines centred as one, a picture at its natural size.
 #include "CAlphaStatic.h"
 #include "CDBufferDC.h"
 #include "CGStatic.h"
