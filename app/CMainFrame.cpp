@@ -132,10 +132,12 @@ void CMainFrame::SetPanes(QWidget* pLeft, QWidget* pRight) {
     m_pFileList = dynamic_cast<CFileListView*>(pRight);
     if (m_pFolderTree != nullptr) {
         m_pFolderTree->OnInitialUpdate();
+        m_pFolderTree->SetFrameCallback(ImageReaderCallback, this);
     }
     if (m_pFileList != nullptr) {
         m_pFileList->SetTreeView(m_pFolderTree);
         m_pFileList->SetFrameCallback(ImageReaderCallback, this);
+        m_pFileList->SetViewingHandler([this](bool bViewing) { SetExtractionMode(bViewing); });
     }
 }
 
