@@ -11,7 +11,7 @@ tier=${1:-run}
 RUN_PACKAGES="cmake ninja-build ccache g++ qt6-base-dev libsqlite3-dev zlib1g-dev xorriso
 fonts-dejavu-core adwaita-icon-theme"
 TEST_PACKAGES="libgtest-dev googletest clang clang-format genisoimage libarchive-tools
-p7zip-full dvdauthor ffmpeg udftools udfclient util-linux qt6-svg-dev"
+p7zip-full dvdauthor ffmpeg udftools udfclient util-linux qt6-svg-dev python3"
 BENCH_PACKAGES="hyperfine time xvfb xauth"
 
 case "$tier" in
