@@ -20,6 +20,7 @@ namespace {
 
 constexpr char16_t kBackdrop[] = u"Image\\Dialogs\\ConfirmDialog\\bg_confirm.png";
 constexpr char16_t kTaskIcon[] = u"Image\\Dialogs\\ConfirmDialog\\icon_task.png";
+constexpr char16_t kPicture[] = u"Image\\Dialogs\\ConfirmDialog\\icon_replace.png";
 constexpr char16_t kYesStrip[] = u"Image\\Dialogs\\ConfirmDialog\\btn_yes_s.png";
 constexpr char16_t kNarrowStrip[] = u"Image\\Dialogs\\ConfirmDialog\\btn_68_24.png";
 constexpr char16_t kWideStrip[] = u"Image\\Dialogs\\ConfirmDialog\\btn_136_24.png";
@@ -31,7 +32,7 @@ const QRect kOldTextRect = RectFromEdges(180, 129, 495, 162);
 const QRect kNewLineRect = RectFromEdges(92, 180, 310, 196);
 const QRect kNewIconRect = RectFromEdges(112, 205, 142, 235);
 const QRect kNewTextRect = RectFromEdges(180, 205, 495, 238);
-const QRect kTaskIconRect = RectFromEdges(30, 60, 60, 90);
+const QRect kPictureRect = RectFromEdges(26, 60, 74, 108);
 // Entry icons are drawn on the colour of the panel behind them.
 constexpr QRgb kIconBackground = qRgb(61, 63, 64);
 constexpr int kIconSide = 30;
@@ -67,15 +68,27 @@ QDateTime LocalTimeOf(const qmz::FileTime& ft) {
     return QDateTime::fromMSecsSinceEpoch(msecs).toLocalTime();
 }
 
-// A 30 by 30 picture of the shell's icon for the entry, on the panel's colour.
+QImage SkinPicture(const char16_t* pPath, double scale) {
+    QImage picture;
+    LoadPremultipliedBitmap(QString::fromUtf16(pPath), true, picture);
+    return ScalePicture(picture, scale);
+}
+
+// A 30 by 30 picture of the shell's icon for the entry, on the panel's colour; the skin's page
+// where the desktop has no icon for it.
 QImage EntryPicture(const QString& path, bool bFolder, double scale) {
     FileTypeRecord record;
     CFileTypeCache::Instance().GetFileType(path, bFolder, &record);
+    const QPixmap icon =
+        CShellIcons::Instance().Icon(record.nIcon).pixmap(qRound(kIconSide * scale));
+    if (icon.isNull()) {
+        return SkinPicture(kTaskIcon, scale);
+    }
     const int nSide = qRound(kIconSide * scale);
     QImage picture(nSide, nSide, QImage::Format_ARGB32_Premultiplied);
     picture.fill(kIconBackground);
     QPainter painter(&picture);
-    painter.drawPixmap(0, 0, CShellIcons::Instance().Icon(record.nIcon).pixmap(nSide));
+    painter.drawPixmap(0, 0, icon);
     return picture;
 }
 
@@ -96,13 +109,17 @@ CConfirmFile::~CConfirmFile() {
     delete m_pOldText;
     delete m_pNewLine;
     delete m_pNewText;
-    delete m_pTaskIcon;
+    delete m_pPicture;
     delete m_pOldIcon;
     delete m_pNewIcon;
 }
 
 bool CConfirmFile::OnInitDialog() {
     CTvgBaseDialog::OnInitDialog();
+    QImage taskIcon;
+    if (LoadPremultipliedBitmap(QString::fromUtf16(kTaskIcon), true, taskIcon)) {
+        setWindowIcon(QIcon(QPixmap::fromImage(taskIcon)));
+    }
     const QString backdrop = QString::fromUtf16(kBackdrop);
     CreateControls(tvn::kConfirmTitle, backdrop, 0, 0, 0, 0, 0, 0, kClose | kTitle);
     m_factory.LoadBackdrop(backdrop);
@@ -141,9 +158,7 @@ CGStatic* CConfirmFile::MakeIcon(int nId, const QRect& rect, const QImage& pictu
 }
 
 void CConfirmFile::CreateIcons() {
-    QImage task;
-    LoadPremultipliedBitmap(QString::fromUtf16(kTaskIcon), true, task);
-    m_pTaskIcon = MakeIcon(0, kTaskIconRect, ScalePicture(task, m_scale));
+    m_pPicture = MakeIcon(0, kPictureRect, SkinPicture(kPicture, m_scale));
     if (m_pData == nullptr) {
         return;
     }
@@ -165,7 +180,7 @@ void CConfirmFile::CreateButtons() {
         LoadPremultipliedBitmap(QString::fromUtf16(place.pStrip), true, strip);
         const QRect rect = ScaleRect(place.rect, m_scale);
         auto* pButton = new CGButton(this);
-        pButton->CreateWindow(this, TvnText(place.nTextId), bs::kMultiLine, place.nId, false);
+        pButton->CreateWindow(this, TvnText(place.nTextId), 0, place.nId, false);
         pButton->SetImage(rect.x(), rect.y(), ScalePicture(strip, m_scale), rect.width(),
                           rect.height(), CGButton::kNormal, rect.height(), 0, false, true,
                           m_factory.Backdrop());

@@ -79,7 +79,7 @@ private:
     CAlphaStatic* m_pOldText = nullptr;
     CAlphaStatic* m_pNewLine = nullptr;
     CAlphaStatic* m_pNewText = nullptr;
-    CGStatic* m_pTaskIcon = nullptr;
+    CGStatic* m_pPicture = nullptr;
     CGStatic* m_pOldIcon = nullptr;
     CGStatic* m_pNewIcon = nullptr;
     CGButton* m_apButtons[5] = {};
