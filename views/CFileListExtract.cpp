@@ -136,6 +136,11 @@ void CFileListView::ExtractNodes(const std::vector<COvDataItem*>& nodes, const Q
     qmz::Result hr = qmz::kOk;
     for (COvDataItem* pNode : nodes) {
         hr = ExtractNode(*pNode, target);
+        // Each copy starts with the stop flag cleared: a stop that came as a row ended would
+        // be lost to the next one.
+        if (hr >= 0 && g_pImageReader->GetStop() != 0) {
+            hr = qmz::kStopped;
+        }
         if (hr < 0) {
             break;
         }
