@@ -1,5 +1,6 @@
-// Runs the window's extraction (command 641 of the file list) on a real image, as a person
-// would with every row of the image's root selected, and prints how long the command took.
+// Runs the window's extraction (command 641 of the file list, in the main frame with its
+// progress dialog) on a real image, as a person would with every row of the image's root
+// selected, and prints how long the command took.
 // Usage: ovrin-extract-command-bench IMAGE TARGET [--stop-after MS]
 //   TARGET       the folder answered in the browser; existing targets are answered "Replace
 //                All" at the first question, once
@@ -10,11 +11,12 @@
 #include "CFolderTreeView.h"
 #include "CGButton.h"
 #include "CImageReader.h"
-#include "COvDataItem.h"
+#include "CMainFrame.h"
+#include "COvrinDoc.h"
 #include "CTvgMessageBox.h"
 #include "CTvnStringTable.h"
-#include "IOvDocument.h"
 #include "Locations.h"
+#include "SkinImages.h"
 #include "TvnText.h"
 
 #include <QApplication>
@@ -29,21 +31,6 @@ namespace {
 using namespace Qt::StringLiterals;
 
 constexpr int kPollMs = 5;
-
-class BenchDocument : public IOvDocument {
-public:
-    COvDataItem* GetRootItem() const override { return m_pRoot.get(); }
-    void DeleteRootItem() override { m_pRoot.reset(); }
-    void CreateRootItem() override {
-        m_pRoot = std::make_unique<COvDataItem>(u"BENCH"_s, COvDataItem::KindRoot, 0, 0);
-    }
-    COvDataItem* GetCurrentFolder() const override { return m_pCurrent; }
-    void SetCurrentFolder(COvDataItem* pFolder) override { m_pCurrent = pFolder; }
-
-private:
-    std::unique_ptr<COvDataItem> m_pRoot;
-    COvDataItem* m_pCurrent = nullptr;
-};
 
 // Clicks "Replace All" on each overwrite question and counts them; any message box is a
 // failure of the run.
@@ -80,7 +67,8 @@ private:
 } // namespace
 
 int main(int argc, char** argv) {
-    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
+    // On a display the window shows, so that it can be looked at while it works.
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM") && !qEnvironmentVariableIsSet("DISPLAY")) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
     }
     QApplication app(argc, argv);
@@ -90,6 +78,8 @@ int main(int argc, char** argv) {
         return 2;
     }
     const int nStopAfterMs = args.size() == 5 ? args[4].toInt() : -1;
+    // The skin's pictures and the texts lie beside the program, as in the installed layout.
+    SetInstallFolder(ProgramFolder());
     CTvnStringTable table;
     table.LoadFile(ProgramFolder() + u"/Language/Enu/Tvnrc.txt"_s);
     SetCurrentStringTable(&table);
@@ -97,14 +87,14 @@ int main(int argc, char** argv) {
     g_pImageReader = &reader;
     reader.SetPump([](void*) { QCoreApplication::processEvents(); }, nullptr);
 
-    BenchDocument doc;
-    doc.CreateRootItem();
-    QWidget window;
-    CFolderTreeView tree(&doc, &window);
-    CFileListView list(&doc, &window);
-    list.SetTreeView(&tree);
-    tree.OnInitialUpdate();
-    window.show();
+    COvrinDoc doc;
+    // The frame takes the reader's notices: its progress dialog runs as in the program.
+    auto pFrame = std::make_unique<CMainFrame>();
+    auto* pList = new CFileListView(&doc);
+    pFrame->SetPanes(new CFolderTreeView(&doc), pList);
+    CFileListView& list = *pList;
+    pFrame->resize(CMainFrame::kDefaultSize);
+    pFrame->show();
     if (list.OpenImageFile(args[1]) < 0) {
         std::fprintf(stderr, "cannot open %s\n", qPrintable(args[1]));
         return 1;
@@ -129,6 +119,7 @@ int main(int argc, char** argv) {
     if (stoppedAt > 0) {
         std::printf("stop at %.3f s answered in %.3f s\n", stoppedAt, seconds - stoppedAt);
     }
+    pFrame.reset();
     g_pImageReader = nullptr;
     SetCurrentStringTable(nullptr);
     return answerer.m_nBoxes == 0 ? 0 : 1;
