@@ -188,6 +188,10 @@ void CMainFrame::OnReaderNotice(uint32_t nCode, const QString& payload) {
 // end it early.
 void CMainFrame::BeginJob(const QString& text, int nTimer) {
     m_pProgress->SetText(text);
+    // The files of one extraction each announce themselves; the dialog is up for them already.
+    if (TimerSlot(nTimer) != 0 && m_pProgress->isVisible()) {
+        return;
+    }
     setEnabled(false);
     m_pProgress->setEnabled(true);
     m_pProgress->move(geometry().center() - m_pProgress->rect().center());
