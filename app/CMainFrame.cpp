@@ -187,11 +187,14 @@ void CMainFrame::OnReaderNotice(uint32_t nCode, const QString& payload) {
 // The frame takes no input while the job runs; the dialog's stop button stays the one way to
 // end it early.
 void CMainFrame::BeginJob(const QString& text, int nTimer) {
-    m_pProgress->SetText(text);
-    // The files of one extraction each announce themselves; the dialog is up for them already.
+    // The files of one extraction each announce themselves, thousands a second when they are
+    // small: while the dialog is up for the job, the timer shows the latest name.
     if (TimerSlot(nTimer) != 0 && m_pProgress->isVisible()) {
+        m_strPendingText = text;
         return;
     }
+    m_strPendingText.clear();
+    m_pProgress->SetText(text);
     setEnabled(false);
     m_pProgress->setEnabled(true);
     m_pProgress->move(geometry().center() - m_pProgress->rect().center());
@@ -248,6 +251,10 @@ void CMainFrame::OnTimer(int nTimer) {
     int32_t nPercent = 0;
     g_pImageReader->GetProgress(nTimer == kTimerCopy ? PROGRESS_COPY : PROGRESS_OPEN, &nPercent);
     m_pProgress->SetPos(nPercent);
+    if (!m_strPendingText.isEmpty()) {
+        m_pProgress->SetText(m_strPendingText);
+        m_strPendingText.clear();
+    }
 }
 
 void CMainFrame::timerEvent(QTimerEvent* pEvent) {
