@@ -199,6 +199,8 @@ void CMainFrame::BeginJob(const QString& text, int nTimer) {
     m_pProgress->setEnabled(true);
     m_pProgress->move(geometry().center() - m_pProgress->rect().center());
     m_pProgress->show();
+    // Without a window manager a window shown again keeps its place below the frame.
+    m_pProgress->raise();
     QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
     int& nTimerId = TimerSlot(nTimer);
     if (nTimerId != 0) {

@@ -14,6 +14,7 @@
 
 #include <QCoreApplication>
 #include <QDesktopServices>
+#include <QFile>
 #include <QUrl>
 #include <sys/stat.h>
 
@@ -51,12 +52,10 @@ void CFileListView::SetViewing(bool bViewing) const {
 }
 
 // The reader's figures belong to one job; the next one starts from nothing.
-void CFileListView::EndCopyJob(bool bClearPercent) const {
+void CFileListView::EndCopyJob() const {
     g_pImageReader->SetDoneBytes(0);
     g_pImageReader->SetTotalBytes(0);
-    if (bClearPercent) {
-        g_pImageReader->SetCopyPercent(0);
-    }
+    g_pImageReader->SetCopyPercent(0);
     NotifyFrame(NOTIFY_COPY_END);
 }
 
@@ -93,7 +92,7 @@ void CFileListView::OnViewFile() {
         SetViewing(true);
         hr = g_pImageReader->CopyFile(SourceOf(*pNode), target, &pNode->m_ftTime);
         SetViewing(false);
-        EndCopyJob(true);
+        EndCopyJob();
     }
     if (hr >= 0) {
         QDesktopServices::openUrl(QUrl::fromLocalFile(target));
@@ -145,7 +144,7 @@ void CFileListView::ExtractNodes(const std::vector<COvDataItem*>& nodes, const Q
             break;
         }
     }
-    EndCopyJob(true);
+    EndCopyJob();
     if (hr >= 0) {
         SetExtractFolder(target);
     }

@@ -95,7 +95,7 @@ private:
     void DeleteTempFiles();
     void NotifyFrame(uint32_t nCode) const;
     void SetViewing(bool bViewing) const;
-    void EndCopyJob(bool bClearPercent) const;
+    void EndCopyJob() const;
     void ExtractNodes(const std::vector<COvDataItem*>& nodes, const QString& target);
     qmz::Result ExtractNode(COvDataItem& node, const QString& targetFolder);
     bool CheckImageStillThere();
