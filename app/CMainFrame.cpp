@@ -138,10 +138,12 @@ void CMainFrame::SetPanes(QWidget* pLeft, QWidget* pRight) {
     m_pFileList = dynamic_cast<CFileListView*>(pRight);
     if (m_pFolderTree != nullptr) {
         m_pFolderTree->OnInitialUpdate();
+        m_pFolderTree->SetFrameCallback(ImageReaderCallback, this);
     }
     if (m_pFileList != nullptr) {
         m_pFileList->SetTreeView(m_pFolderTree);
         m_pFileList->SetFrameCallback(ImageReaderCallback, this);
+        m_pFileList->SetViewingHandler([this](bool bViewing) { SetExtractionMode(bViewing); });
     }
 }
 
@@ -206,11 +208,20 @@ void CMainFrame::OnReaderNotice(uint32_t nCode, const QString& payload) {
 // The frame takes no input while the job runs; the dialog's stop button stays the one way to
 // end it early.
 void CMainFrame::BeginJob(const QString& text, int nTimer) {
+    // The files of one extraction each announce themselves, thousands a second when they are
+    // small: while the dialog is up for the job, the timer shows the latest name.
+    if (TimerSlot(nTimer) != 0 && m_pProgress->isVisible()) {
+        m_strPendingText = text;
+        return;
+    }
+    m_strPendingText.clear();
     m_pProgress->SetText(text);
     setEnabled(false);
     m_pProgress->setEnabled(true);
     m_pProgress->move(geometry().center() - m_pProgress->rect().center());
     m_pProgress->show();
+    // Without a window manager a window shown again keeps its place below the frame.
+    m_pProgress->raise();
     QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
     int& nTimerId = TimerSlot(nTimer);
     if (nTimerId != 0) {
@@ -263,6 +274,10 @@ void CMainFrame::OnTimer(int nTimer) {
     int32_t nPercent = 0;
     g_pImageReader->GetProgress(nTimer == kTimerCopy ? PROGRESS_COPY : PROGRESS_OPEN, &nPercent);
     m_pProgress->SetPos(nPercent);
+    if (!m_strPendingText.isEmpty()) {
+        m_pProgress->SetText(m_strPendingText);
+        m_strPendingText.clear();
+    }
 }
 
 void CMainFrame::timerEvent(QTimerEvent* pEvent) {

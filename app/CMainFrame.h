@@ -129,6 +129,8 @@ private:
     CProgressDlg* m_pProgress = nullptr;
     QMenu* m_pViewMenu = nullptr;
     bool m_bExtractionMode = false;
+    // The newest file name of a running job, shown at the next tick.
+    QString m_strPendingText;
     // Qt's ids of the running timers, 0 while stopped.
     int m_nCopyTimer = 0;
     int m_nOpenTimer = 0;

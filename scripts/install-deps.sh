@@ -15,6 +15,8 @@ TEST_PACKAGES="libgtest-dev googletest clang clang-format genisoimage libarchive
 p7zip-full dvdauthor ffmpeg udftools udfclient util-linux qt6-svg-dev desktop-file-utils appstream
 xdg-utils dpkg-dev"
 BENCH_PACKAGES="hyperfine time xvfb xauth"
+# The tests' stand-ins for the family's sibling programs are small Python scripts.
+TEST_PACKAGES="$TEST_PACKAGES python3"
 
 case "$tier" in
 run) packages=$RUN_PACKAGES ;;

@@ -41,6 +41,7 @@ constexpr TextUse kUses[] = {
     {kReplaceFile, 0},
     {kMergeFolder, 0},
     {kEntryDetails, 2},
+    {kNewEntryLine, 0},
     {kOpenFilter, 1},
     {kConfirmTitle, 0},
     {kExtractBrowseTitle, 0},

@@ -48,7 +48,8 @@ enum TextId : uint32_t {
     kReplaceFile = 6037,
     kMergeFolder = 6038,
     kEntryDetails = 6039, // %1 size text, %2 date and time text
-    kOpenFilter = 6119,   // %1 image patterns
+    kNewEntryLine = 1087,
+    kOpenFilter = 6119, // %1 image patterns
     kConfirmTitle = 6673,
     kExtractBrowseTitle = 11481,
     kOpenDialogTitle = 61440,

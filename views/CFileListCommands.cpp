@@ -1,12 +1,12 @@
 // The file list's commands on the image as a whole: opening one.
 #include "CFileListView.h"
 
+#include "CFileDialogEX.h"
 #include "CImageReader.h"
 #include "CTvgMessageBox.h"
 #include "Locations.h"
 #include "TvnText.h"
 
-#include <QFileDialog>
 #include <QFileInfo>
 
 namespace {
@@ -63,7 +63,11 @@ QString ImageFilter() {
 
 QString ChooseImageWithDialog(QWidget* pParent, const QString& folder, const QString& filter,
                               const QString& title) {
-    return QFileDialog::getOpenFileName(pParent, title, folder, filter);
+    CFileDialogEX dialog(true, title, folder, filter, pParent);
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) {
+        return QString();
+    }
+    return dialog.selectedFiles().constFirst();
 }
 
 } // namespace

@@ -134,9 +134,24 @@ void CFileListView::OpenRow(int nRow) {
 }
 
 bool CFileListView::OnCommand(int nId) {
-    if (nId == kCmdOpenImage) {
+    switch (nId) {
+    case kCmdOpenImage:
         OnOpenImage();
         return true;
+    case kCmdViewFile:
+        OnViewFile();
+        return true;
+    case kCmdExtract:
+        OnExtract();
+        return true;
+    case kCmdBurnImage:
+        OnBurnImage();
+        return true;
+    case kCmdMarloweUnit:
+        OnMarloweUnit();
+        return true;
+    default:
+        break;
     }
     if (const ModeCommand* pEntry = FindModeCommand(nId)) {
         SetViewMode(pEntry->nMode);
@@ -155,7 +170,8 @@ bool CFileListView::OnUpdateCommand(int nId, CommandState& state) {
         state.bEnabled = m_wndList.SelectedRowCount() == 1;
         return true;
     }
-    if (nId == kCmdOpenImage) {
+    if (nId == kCmdOpenImage || nId == kCmdExtract || nId == kCmdBurnImage ||
+        nId == kCmdMarloweUnit) {
         state.bEnabled = true;
         return true;
     }

@@ -4,6 +4,8 @@
 #pragma once
 
 #include "COvListCtrl.h"
+#include "COverwriteAnswers.h"
+#include "ExtractTarget.h"
 #include "ICommandTarget.h"
 #include "IOvDocument.h"
 #include "QmzTypes.h"
@@ -12,6 +14,7 @@
 #include <QStringList>
 #include <QWidget>
 #include <functional>
+#include <vector>
 
 class CFolderTreeView;
 class COvDataItem;
@@ -19,6 +22,9 @@ class COvDataItem;
 // The commands that this pane knows.
 inline constexpr int kCmdOpenImage = 639;
 inline constexpr int kCmdViewFile = 640;
+inline constexpr int kCmdExtract = 641;
+inline constexpr int kCmdBurnImage = 661;
+inline constexpr int kCmdMarloweUnit = 671;
 inline constexpr int kCmdSmallIcons = 643;
 inline constexpr int kCmdList = 644;
 inline constexpr int kCmdReport = 645;
@@ -60,6 +66,19 @@ public:
     qmz::Result OpenImageFile(const QString& path);
     // An empty tree and no current folder.
     void ClearDocument();
+    // Command 640: the first selected file, copied to the temp folder unless an up-to-date
+    // copy lies there, opened with the desktop's program; a folder is opened in the tree.
+    void OnViewFile();
+    // Command 641: the selected rows, written into a folder the user picks, with a question
+    // for each target that exists.
+    void OnExtract();
+    // Commands 661 and 671: the image handed to the burning or the virtual-drive program.
+    void OnBurnImage();
+    void OnMarloweUnit();
+    void SetFolderChooser(FolderChooser fnChooser) { m_fnChooseFolder = std::move(fnChooser); }
+    // Told true while a file is copied for viewing rather than extracted; the frame words its
+    // failure reports by it.
+    void SetViewingHandler(std::function<void(bool)> fnSetViewing);
     // Empty exactly when no image is open.
     const QString& ImagePath() const { return m_strImagePath; }
     void SetImageChooser(ImageChooser fnChooser) { m_fnChooseImage = std::move(fnChooser); }
@@ -75,6 +94,12 @@ private:
     void UpdateSortArrows(const COvDataItem* pFolder);
     void DeleteTempFiles();
     void NotifyFrame(uint32_t nCode) const;
+    void SetViewing(bool bViewing) const;
+    void EndCopyJob() const;
+    void ExtractNodes(const std::vector<COvDataItem*>& nodes, const QString& target);
+    qmz::Result ExtractNode(COvDataItem& node, const QString& targetFolder);
+    bool CheckImageStillThere();
+    void ForgetImage(bool bTellFailure, qmz::Result hr);
 
     IOvDocument* m_pDocument;
     int m_dwViewMode = COvListCtrl::ModeReport;
@@ -82,6 +107,9 @@ private:
     QStringList m_lstTempFiles;
     QString m_strImagePath;
     ImageChooser m_fnChooseImage;
+    FolderChooser m_fnChooseFolder;
+    std::function<void(bool)> m_fnSetViewing;
+    COverwriteAnswers m_answers;
     ImageReaderCallback m_pfnFrameCallback = nullptr;
     void* m_pFrameContext = nullptr;
     COvListCtrl m_wndList;

@@ -196,6 +196,19 @@ int COvListCtrl::SelectedRowCount() const {
     return nRows;
 }
 
+std::vector<int> COvListCtrl::SelectedRows() const {
+    std::vector<int> rows;
+    for (const QItemSelectionRange& range : m_pReport->selectionModel()->selection()) {
+        if (range.left() == 0) {
+            for (int nRow = range.top(); nRow <= range.bottom(); ++nRow) {
+                rows.push_back(nRow);
+            }
+        }
+    }
+    std::ranges::sort(rows);
+    return rows;
+}
+
 void COvListCtrl::SelectAll() {
     ActiveView()->selectAll();
     ActiveView()->setFocus(Qt::ShortcutFocusReason);

@@ -5,6 +5,7 @@
 #include "COvListModel.h"
 
 #include <QWidget>
+#include <vector>
 
 class QAbstractItemView;
 class QListView;
@@ -33,6 +34,8 @@ public:
     // cuts it, else empty.
     QString CutCellTextAt(QPoint pt) const;
     int SelectedRowCount() const;
+    // The selected rows in the list's order.
+    std::vector<int> SelectedRows() const;
     void SelectAll();
 
 signals:

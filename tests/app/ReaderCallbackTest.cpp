@@ -162,6 +162,12 @@ TEST_F(ReaderCallback, TheTimersShowTheReadersProgress) {
     m_reader.SetCopyPercent(42);
     Notify(NOTIFY_COPY_BEGIN, u"big.bin"_s);
     EXPECT_TRUE(QTest::qWaitFor([&] { return Dialog().Percent() == 42; }, kWaitMs));
+    // The next files of the job are named at the next tick, not one by one as they come.
+    Notify(NOTIFY_COPY_BEGIN, u"next.bin"_s);
+    Notify(NOTIFY_COPY_BEGIN, u"last.bin"_s);
+    EXPECT_EQ(Dialog().GetText(), u"Extracting \"big.bin\"..."_s);
+    m_pFrame->OnTimer(CMainFrame::kTimerCopy);
+    EXPECT_EQ(Dialog().GetText(), u"Extracting \"last.bin\"..."_s);
     Notify(NOTIFY_COPY_END);
     m_reader.SetCopyPercent(7);
     m_pFrame->OnTimer(CMainFrame::kTimerCopy);

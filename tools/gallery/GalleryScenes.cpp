@@ -1,10 +1,15 @@
 #include "GalleryScenes.h"
 
+#include "CConfirmFile.h"
+#include "COvDataItem.h"
 #include "CProgressDlg.h"
 #include "CTvgBaseDialog.h"
 #include "CTvgMessageBox.h"
 #include "TvnText.h"
 
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
 #include <QTimer>
 
 namespace {
@@ -163,12 +168,55 @@ std::vector<GalleryScene> BaseDialogScenes() {
     };
 }
 
+// The overwrite question about an entry on the disk of the given kind, which the scene makes in
+// a folder of its own, and the entry of the same name from the image.
+class SampleConfirm : public CConfirmFile {
+public:
+    explicit SampleConfirm(bool bFolder)
+        : m_root(QStringLiteral("HOLIDAY_2024"), COvDataItem::KindRoot, 0, 0) {
+        const QString name = bFolder ? QStringLiteral("DCIM") : QStringLiteral("IMG_0042.JPG");
+        const QString path = m_dir.filePath(name);
+        if (bFolder) {
+            QDir().mkpath(path);
+        } else {
+            QFile file(path);
+            file.open(QIODevice::WriteOnly);
+            file.write(QByteArray(1'234'567, 'x'));
+        }
+        // 2024-07-14 10:30 UTC as a FILETIME.
+        constexpr uint64_t kTicks = 133'654'266'000'000'000ull;
+        m_pItem = m_root.AddChild(QStringLiteral("\\") + name,
+                                  bFolder ? COvDataItem::KindFolder : COvDataItem::KindFile,
+                                  bFolder ? 0 : 2'621'440, 0);
+        m_pItem->m_ftTime = {static_cast<uint32_t>(kTicks), static_cast<uint32_t>(kTicks >> 32)};
+        m_data = {m_pItem, path, QFileInfo(path)};
+        SetData(&m_data);
+    }
+
+private:
+    QTemporaryDir m_dir;
+    COvDataItem m_root;
+    COvDataItem* m_pItem = nullptr;
+    NotifyData m_data;
+};
+
+std::vector<GalleryScene> ConfirmScenes() {
+    return {
+        {QStringLiteral("confirm-file"),
+         QStringLiteral("The overwrite question about a file that exists"),
+         [] { return new SampleConfirm(false); }},
+        {QStringLiteral("confirm-folder"),
+         QStringLiteral("The overwrite question about a folder that exists"),
+         [] { return new SampleConfirm(true); }},
+    };
+}
+
 } // namespace
 
 const std::vector<GalleryScene>& GalleryScenes() {
     static const std::vector<GalleryScene> scenes = [] {
         std::vector<GalleryScene> all = MessageBoxScenes();
-        for (auto&& more : {ProgressScenes(), BaseDialogScenes()}) {
+        for (auto&& more : {ProgressScenes(), BaseDialogScenes(), ConfirmScenes()}) {
             all.insert(all.end(), more.begin(), more.end());
         }
         return all;

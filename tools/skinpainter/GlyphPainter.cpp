@@ -284,3 +284,47 @@ QImage GlyphPainter::document(QSize size) {
         p.fillRect(QRect(10, y, y == 22 ? 7 : 10, 1), QColor(142, 150, 157));
     return image;
 }
+
+namespace {
+
+// A page with a folded corner at (x, y) on the 48-unit grid, 20 by 26.
+void drawPage(QPainter& p, qreal x, qreal y, QRgb top, QRgb bottom) {
+    QPainterPath page;
+    page.moveTo(x, y);
+    page.lineTo(x + 14, y);
+    page.lineTo(x + 20, y + 6);
+    page.lineTo(x + 20, y + 26);
+    page.lineTo(x, y + 26);
+    page.closeSubpath();
+    p.setPen(QPen(QColor(kOutline), 1));
+    p.setBrush(PaintKit::vertical(int(y), int(y + 26), top, bottom));
+    p.drawPath(page);
+    p.setBrush(QColor(168, 176, 183));
+    p.drawPolygon(QPolygonF{{x + 14, y}, {x + 14, y + 6}, {x + 20, y + 6}});
+    p.setPen(QPen(QColor(142, 150, 157), 1));
+    for (qreal line : {12.5, 16.5, 20.5})
+        p.drawLine(QPointF(x + 4, y + line), QPointF(x + (line > 20 ? 11 : 15), y + line));
+}
+
+} // namespace
+
+QImage GlyphPainter::replace(QSize size) {
+    QImage image = PaintKit::canvas(size);
+    QPainter p(&image);
+    p.setRenderHint(QPainter::Antialiasing);
+    p.scale(size.width() / 48.0, size.height() / 48.0);
+    // The page already on the disk, greyed, behind; the page from the image in front.
+    drawPage(p, 4.5, 4.5, qRgb(176, 182, 187), qRgb(132, 139, 145));
+    drawPage(p, 23.5, 17.5, qRgb(244, 246, 247), qRgb(200, 206, 211));
+    // The arrow from the new page round to the old one.
+    QPainterPath arc;
+    arc.moveTo(30, 13);
+    arc.cubicTo(36, 9, 42, 10, 42, 15);
+    p.setPen(QPen(QColor(kAccentLight), 3, Qt::SolidLine, Qt::RoundCap));
+    p.setBrush(Qt::NoBrush);
+    p.drawPath(arc);
+    p.setPen(Qt::NoPen);
+    p.setBrush(QColor(kAccentLight));
+    p.drawPolygon(QPolygonF{{25, 13}, {31.5, 8.5}, {31.5, 17.5}});
+    return image;
+}

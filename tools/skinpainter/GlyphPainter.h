@@ -25,4 +25,7 @@ public:
 
     // A page with a folded corner: the stand-in for a file whose own icon is not known.
     static QImage document(QSize size);
+    // The overwrite question's picture: the page on the disk behind the page from the image,
+    // an arrow from one to the other.
+    static QImage replace(QSize size);
 };

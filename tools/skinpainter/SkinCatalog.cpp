@@ -131,6 +131,9 @@ void addConfirmDialog(std::vector<SkinPicture>& all) {
     all.push_back({"Dialogs/ConfirmDialog/icon_task.png", {30, 30}, 1, [] {
                        return GlyphPainter::document({30, 30});
                    }});
+    all.push_back({"Dialogs/ConfirmDialog/icon_replace.png", {48, 48}, 1, [] {
+                       return GlyphPainter::replace({48, 48});
+                   }});
 }
 
 void addMessageBox(std::vector<SkinPicture>& all) {
