@@ -1,11 +1,10 @@
 #include "NamedMutex.h"
 
+#include "AbstractSocket.h"
+
 #include <QCryptographicHash>
 
 #include <cerrno>
-#include <cstring>
-#include <sys/socket.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 namespace {
@@ -30,22 +29,9 @@ QByteArray NamedMutex::AddressFor(const QString& name) {
 
 NamedMutex::State NamedMutex::Create(const QString& name) {
     Release();
-    const QByteArray address = AddressFor(name);
-    sockaddr_un addr{};
-    addr.sun_family = AF_UNIX;
-    // The leading NUL of sun_path selects the abstract namespace.
-    std::memcpy(addr.sun_path + 1, address.constData(), static_cast<size_t>(address.size()));
-    const auto addrLen = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + 1 +
-                                                static_cast<size_t>(address.size()));
-
-    const int fd = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    const int fd = abstractsocket::Bind(AddressFor(name));
     if (fd < 0) {
-        return State::Failed;
-    }
-    if (::bind(fd, reinterpret_cast<const sockaddr*>(&addr), addrLen) != 0) {
-        const int err = errno;
-        ::close(fd);
-        return err == EADDRINUSE ? State::AlreadyExists : State::Failed;
+        return errno == EADDRINUSE ? State::AlreadyExists : State::Failed;
     }
     m_fd = fd;
     return State::Created;

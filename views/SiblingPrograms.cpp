@@ -1,12 +1,10 @@
 #include "SiblingPrograms.h"
 
+#include "AbstractSocket.h"
 #include "NamedMutex.h"
 
 #include <QWidget>
 #include <chrono>
-#include <cstring>
-#include <sys/socket.h>
-#include <sys/un.h>
 #include <thread>
 #include <unistd.h>
 
@@ -19,18 +17,11 @@ constexpr char kNoticeText[] = "activate";
 } // namespace
 
 bool SendNotice(const QString& name) {
-    const QByteArray address = NamedMutex::AddressFor(name);
-    sockaddr_un addr{};
-    addr.sun_family = AF_UNIX;
-    std::memcpy(addr.sun_path + 1, address.constData(), static_cast<size_t>(address.size()));
-    const auto addrLen = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + 1 +
-                                                static_cast<size_t>(address.size()));
-    const int fd = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    const int fd = abstractsocket::Connect(NamedMutex::AddressFor(name));
     if (fd < 0) {
         return false;
     }
-    const bool bSent = ::connect(fd, reinterpret_cast<const sockaddr*>(&addr), addrLen) == 0 &&
-                       ::send(fd, kNoticeText, sizeof kNoticeText - 1, MSG_NOSIGNAL) > 0;
+    const bool bSent = abstractsocket::SendAll(fd, QByteArray(kNoticeText));
     ::close(fd);
     return bSent;
 }

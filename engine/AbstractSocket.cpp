@@ -27,15 +27,28 @@ socklen_t FillAddress(const QByteArray& address, sockaddr_un& addr) {
 
 } // namespace
 
-int Listen(const QByteArray& address) {
+int Bind(const QByteArray& address) {
     sockaddr_un addr;
     const socklen_t nLength = FillAddress(address, addr);
     const int fd = ::socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
     if (fd < 0) {
         return -1;
     }
-    if (::bind(fd, reinterpret_cast<const sockaddr*>(&addr), nLength) != 0 ||
-        ::listen(fd, kListenBacklog) != 0) {
+    if (::bind(fd, reinterpret_cast<const sockaddr*>(&addr), nLength) != 0) {
+        const int nError = errno;
+        ::close(fd);
+        errno = nError;
+        return -1;
+    }
+    return fd;
+}
+
+int Listen(const QByteArray& address) {
+    const int fd = Bind(address);
+    if (fd < 0) {
+        return -1;
+    }
+    if (::listen(fd, kListenBacklog) != 0) {
         const int nError = errno;
         ::close(fd);
         errno = nError;

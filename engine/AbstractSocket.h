@@ -7,6 +7,8 @@
 
 namespace abstractsocket {
 
+// A socket bound to the address, or -1 (errno tells why: EADDRINUSE when another holds it).
+int Bind(const QByteArray& address);
 // A listening, non-blocking socket bound to the address, or -1 (errno tells why).
 int Listen(const QByteArray& address);
 // A socket connected to whoever listens on the address, or -1. The connect does not wait: a
