@@ -56,6 +56,36 @@ int CompareNoCase(const QString& a, const QString& b) {
     return a.size() == b.size() ? 0 : (a.size() < b.size() ? -1 : 1);
 }
 
+// Names are cut from shared blocks of characters instead of one heap string each: a name of
+// a dozen characters then takes its characters and a terminator, not a 48-byte allocation.
+// Each name is a QString over its part of the block and holds a reference on the block, so a
+// block lives as long as any copy of any of its names, in the tree or in a view.
+constexpr qsizetype kNameBlockUnits = 32 * 1024;
+// Longer names get a string of their own, so that blocks are not left half empty.
+constexpr qsizetype kMaxBlockNameUnits = 512;
+
+QString NameInBlock(QStringView name) {
+    const qsizetype nUnits = name.size() + 1;
+    if (nUnits > kMaxBlockNameUnits) {
+        return name.toString();
+    }
+    thread_local QString tBlock;
+    thread_local qsizetype tUsed = 0;
+    if (tBlock.isNull() || tUsed + nUnits > kNameBlockUnits) {
+        tBlock = QString(kNameBlockUnits, Qt::Uninitialized);
+        tUsed = 0;
+    }
+    // data_ptr() gives the block's characters without the copy that data() makes of a shared
+    // string; the units written here belong to no name yet.
+    QString::DataPointer& block = tBlock.data_ptr();
+    char16_t* pUnits = block.data() + tUsed;
+    std::copy(name.utf16(), name.utf16() + name.size(), pUnits);
+    pUnits[name.size()] = u'\0';
+    tUsed += nUnits;
+    block.d_ptr()->ref();
+    return QString(QString::DataPointer(block.d_ptr(), pUnits, name.size()));
+}
+
 uint64_t JoinSize(uint32_t sizeLow, uint32_t sizeHigh) {
     return (static_cast<uint64_t>(sizeHigh) << 32) | sizeLow;
 }
@@ -90,7 +120,7 @@ COvDataItem::COvDataItem(const QString& text, uint32_t kind, uint32_t sizeLow, u
 
 void COvDataItem::InitFromPath(const QString& text, const QString* pSiblingPath) {
     const qsizetype nNameStart = text.lastIndexOf(u'\\') + 1;
-    m_strName = text.mid(nNameStart);
+    m_strName = NameInBlock(QStringView(text).mid(nNameStart));
     const QStringView pathPart = QStringView(text).left(nNameStart);
     if (pSiblingPath != nullptr && *pSiblingPath == pathPart) {
         m_strPath = *pSiblingPath;

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <new>
 #include <sys/mman.h>
+#include <utility>
 
 namespace qmz {
 namespace {
@@ -67,6 +68,11 @@ void MappedBlock::Reserve(size_t bytes) {
     }
     data_ = p;
     capacity_ = capacity;
+}
+
+void MappedBlock::Swap(MappedBlock& other) noexcept {
+    std::swap(data_, other.data_);
+    std::swap(capacity_, other.capacity_);
 }
 
 void MappedBlock::Release() {

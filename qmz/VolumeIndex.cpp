@@ -37,6 +37,40 @@ uint32_t VolumeIndex::AppendExtent(const Extent& extent) {
     return static_cast<uint32_t>(extents_.size() - 1);
 }
 
+Extent VolumeIndex::ExtentOf(const IndexEntry& e, uint32_t i) const {
+    if ((e.flags & kEntryInlineExtent) != 0) {
+        return Extent{e.firstExtent, e.size};
+    }
+    return extents_[e.firstExtent + i];
+}
+
+void VolumeIndex::CompactExtents() {
+    MappedArray<Extent> kept;
+    for (IndexEntry& e : entries_) {
+        if (e.IsDirectory() || e.extentCount == 0) {
+            e.firstExtent = 0;
+            e.extentCount = 0;
+            continue;
+        }
+        if ((e.flags & kEntryInlineExtent) != 0) {
+            continue;
+        }
+        const Extent& first = extents_[e.firstExtent];
+        if (e.extentCount == 1 && (e.flags & kEntryZisofs) == 0 && !first.zeros &&
+            first.offset == 0 && first.length == e.size && first.lba <= UINT32_MAX) {
+            e.firstExtent = static_cast<uint32_t>(first.lba);
+            e.flags = static_cast<uint16_t>(e.flags | kEntryInlineExtent);
+            continue;
+        }
+        const auto nFirst = static_cast<uint32_t>(kept.size());
+        for (uint32_t i = 0; i < e.extentCount; ++i) {
+            kept.push_back(extents_[e.firstExtent + i]);
+        }
+        e.firstExtent = nFirst;
+    }
+    extents_.swap(kept);
+}
+
 int VolumeIndex::CompareNames(std::u16string_view a, std::u16string_view b) {
     // As std::u16string_view::compare, which looks at each unit twice.
     size_t n = std::min(a.size(), b.size());

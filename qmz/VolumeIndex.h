@@ -31,6 +31,9 @@ enum EntryFlags : uint16_t {
     kEntryHidden = 2,
     kEntryTimeValid = 4,
     kEntryZisofs = 8, // the extents hold zisofs-compressed data; size is the uncompressed size
+    // The file's one extent is firstExtent's sector and `size` bytes from its start; the
+    // extents array holds nothing for it (see CompactExtents).
+    kEntryInlineExtent = 16,
 };
 
 struct IndexEntry {
@@ -39,7 +42,7 @@ struct IndexEntry {
     uint32_t nameOffset;
     uint16_t nameLength;
     uint16_t flags;
-    uint32_t firstExtent; // a folder has one, which only its scanner reads
+    uint32_t firstExtent; // a folder has one, which only its scanner reads; kEntryInlineExtent
     uint32_t extentCount;
     uint32_t firstChild;
     uint32_t childCount;
@@ -71,7 +74,14 @@ public:
 
     uint32_t EntryCount() const { return static_cast<uint32_t>(entries_.size()); }
     const IndexEntry& Entry(uint32_t index) const { return entries_[index]; }
+    // An extent of the extents array, as the scanners add them.
     const Extent& ExtentAt(uint32_t index) const { return extents_[index]; }
+    // The i-th extent of a file, inline or in the array.
+    Extent ExtentOf(const IndexEntry& e, uint32_t i) const;
+    // Once the scan is over: folders drop the extent of their directory data, which only the
+    // scan reads, and a file of one plain extent keeps it in its entry. Most files of a volume
+    // are such files, so the array then holds little beyond fragmented and compressed files.
+    void CompactExtents();
     std::u16string_view Name(const IndexEntry& e) const {
         return {names_.data() + e.nameOffset, e.nameLength};
     }

@@ -85,3 +85,23 @@ TEST(COvDataItem, DestroysADeepChainWithoutRecursion) {
 }
 
 } // namespace
+
+TEST(COvDataItem, NamesSharingABlockStayApartAndOutliveTheirTree) {
+    auto* pRoot = new COvDataItem(QString(), COvDataItem::KindRoot, 0, 0);
+    COvDataItem* a = Add(*pRoot, QStringLiteral("\\alpha"), COvDataItem::KindFile);
+    COvDataItem* b = Add(*pRoot, QStringLiteral("\\beta"), COvDataItem::KindFile);
+    // Qt reads the unit after a string's last one as its terminator.
+    EXPECT_EQ(a->m_strName.utf16()[a->m_strName.size()], 0);
+    QString kept = a->m_strName;
+    kept.append(QStringLiteral("-changed"));
+    EXPECT_EQ(b->m_strName, QStringLiteral("beta"));
+    EXPECT_EQ(a->m_strDisplayName, QStringLiteral("alpha"));
+
+    QString survivor = b->m_strName;
+    delete pRoot;
+    EXPECT_EQ(survivor, QStringLiteral("beta"));
+    // The last holder of a block may grow in place; nothing else reads the block any more.
+    survivor.append(QStringLiteral(" and more"));
+    EXPECT_EQ(survivor, QStringLiteral("beta and more"));
+    EXPECT_EQ(kept, QStringLiteral("alpha-changed"));
+}
