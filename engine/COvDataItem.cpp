@@ -112,22 +112,22 @@ COvDataItem::COvDataItem(const QString& text, uint32_t kind, uint32_t sizeLow, u
     : m_uKind(kind), m_ullSize(JoinSize(sizeLow, sizeHigh)) {
     if (kind == KindRoot) {
         m_strName = text;
-        m_strDisplayName = m_strName;
+        m_strDisplayName.Mirror(&m_strName);
         return;
     }
     InitFromPath(text, nullptr);
 }
 
-void COvDataItem::InitFromPath(const QString& text, const QString* pSiblingPath) {
+void COvDataItem::InitFromPath(const QString& text, const NodeText* pSiblingPath) {
     const qsizetype nNameStart = text.lastIndexOf(u'\\') + 1;
     m_strName = NameInBlock(QStringView(text).mid(nNameStart));
     const QStringView pathPart = QStringView(text).left(nNameStart);
     if (pSiblingPath != nullptr && *pSiblingPath == pathPart) {
         m_strPath = *pSiblingPath;
     } else {
-        m_strPath = pathPart.toString();
+        m_strPath = NodeText::Copy(pathPart);
     }
-    m_strDisplayName = m_strName;
+    m_strDisplayName.Mirror(&m_strName);
     FillTypeInfo(text);
 }
 
@@ -171,7 +171,7 @@ COvDataItem* COvDataItem::AddChild(const QString& text, uint32_t kind, uint32_t 
     }
     pChild->m_uKind = kind;
     pChild->m_ullSize = JoinSize(sizeLow, sizeHigh);
-    const QString* pSiblingPath =
+    const NodeText* pSiblingPath =
         m_vecChildren.empty() ? nullptr : &m_vecChildren.back()->m_strPath;
     pChild->InitFromPath(text, pSiblingPath);
     AppendChild(pChild);

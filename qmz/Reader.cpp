@@ -127,6 +127,7 @@ void Reader::RunScan() {
         if (scanned == kOk) {
             index_->CompactExtents();
         }
+        drive_->DropViews();
         return scanned;
     });
     std::lock_guard<std::mutex> lock(mutex_);
