@@ -34,9 +34,9 @@ void FreeNode(void* p) noexcept {
 // Case-insensitive order of QString::compare, with a fast path for ASCII, which most names
 // on discs are. Outside ASCII, case folding can map a character onto an ASCII one (the Kelvin
 // sign onto 'k'), so the rest of the names goes to Qt from the first such character on.
-int CompareNoCase(const QString& a, const QString& b) {
-    const char16_t* pa = reinterpret_cast<const char16_t*>(a.constData());
-    const char16_t* pb = reinterpret_cast<const char16_t*>(b.constData());
+int CompareNoCase(QStringView a, QStringView b) {
+    const char16_t* pa = a.utf16();
+    const char16_t* pb = b.utf16();
     const qsizetype n = std::min(a.size(), b.size());
     for (qsizetype i = 0; i < n; ++i) {
         char16_t ca = pa[i];
@@ -45,7 +45,7 @@ int CompareNoCase(const QString& a, const QString& b) {
             continue;
         }
         if (ca >= 0x80 || cb >= 0x80) {
-            return QStringView(a).mid(i).compare(QStringView(b).mid(i), Qt::CaseInsensitive);
+            return a.mid(i).compare(b.mid(i), Qt::CaseInsensitive);
         }
         ca = (ca >= u'A' && ca <= u'Z') ? static_cast<char16_t>(ca + 32) : ca;
         cb = (cb >= u'A' && cb <= u'Z') ? static_cast<char16_t>(cb + 32) : cb;
@@ -54,36 +54,6 @@ int CompareNoCase(const QString& a, const QString& b) {
         }
     }
     return a.size() == b.size() ? 0 : (a.size() < b.size() ? -1 : 1);
-}
-
-// Names are cut from shared blocks of characters instead of one heap string each: a name of
-// a dozen characters then takes its characters and a terminator, not a 48-byte allocation.
-// Each name is a QString over its part of the block and holds a reference on the block, so a
-// block lives as long as any copy of any of its names, in the tree or in a view.
-constexpr qsizetype kNameBlockUnits = 32 * 1024;
-// Longer names get a string of their own, so that blocks are not left half empty.
-constexpr qsizetype kMaxBlockNameUnits = 512;
-
-QString NameInBlock(QStringView name) {
-    const qsizetype nUnits = name.size() + 1;
-    if (nUnits > kMaxBlockNameUnits) {
-        return name.toString();
-    }
-    thread_local QString tBlock;
-    thread_local qsizetype tUsed = 0;
-    if (tBlock.isNull() || tUsed + nUnits > kNameBlockUnits) {
-        tBlock = QString(kNameBlockUnits, Qt::Uninitialized);
-        tUsed = 0;
-    }
-    // data_ptr() gives the block's characters without the copy that data() makes of a shared
-    // string; the units written here belong to no name yet.
-    QString::DataPointer& block = tBlock.data_ptr();
-    char16_t* pUnits = block.data() + tUsed;
-    std::copy(name.utf16(), name.utf16() + name.size(), pUnits);
-    pUnits[name.size()] = u'\0';
-    tUsed += nUnits;
-    block.d_ptr()->ref();
-    return QString(QString::DataPointer(block.d_ptr(), pUnits, name.size()));
 }
 
 uint64_t JoinSize(uint32_t sizeLow, uint32_t sizeHigh) {
@@ -112,7 +82,7 @@ COvDataItem::COvDataItem(const QString& text, uint32_t kind, uint32_t sizeLow, u
     : m_uKind(kind), m_ullSize(JoinSize(sizeLow, sizeHigh)) {
     if (kind == KindRoot) {
         m_strName = text;
-        m_strDisplayName.Mirror(&m_strName);
+        m_strDisplayName = m_strName;
         return;
     }
     InitFromPath(text, nullptr);
@@ -120,14 +90,14 @@ COvDataItem::COvDataItem(const QString& text, uint32_t kind, uint32_t sizeLow, u
 
 void COvDataItem::InitFromPath(const QString& text, const NodeText* pSiblingPath) {
     const qsizetype nNameStart = text.lastIndexOf(u'\\') + 1;
-    m_strName = NameInBlock(QStringView(text).mid(nNameStart));
+    m_strName = NodeText::InBlock(QStringView(text).mid(nNameStart));
     const QStringView pathPart = QStringView(text).left(nNameStart);
     if (pSiblingPath != nullptr && *pSiblingPath == pathPart) {
         m_strPath = *pSiblingPath;
     } else {
         m_strPath = NodeText::Copy(pathPart);
     }
-    m_strDisplayName.Mirror(&m_strName);
+    m_strDisplayName = m_strName;
     FillTypeInfo(text);
 }
 
@@ -211,7 +181,7 @@ bool COvDataItem::LessByNameAscending(const COvDataItem* a, const COvDataItem* b
     if (a->m_uKind != b->m_uKind) {
         return a->m_uKind < b->m_uKind;
     }
-    return CompareNoCase(a->m_strName, b->m_strName) < 0;
+    return CompareNoCase(a->m_strName.View(), b->m_strName.View()) < 0;
 }
 
 void COvDataItem::SortChildrenByName() {

@@ -50,10 +50,10 @@ public:
     static void SetFileTypeLookup(FileTypeLookup pfnLookup);
 
     int32_t m_anSortState[4] = {0, 0, 0, 0};
-    QString m_strName;
+    NodeText m_strName;
     // Shared between siblings, so a folder of many files holds its path once.
     NodeText m_strPath;
-    // Reads as m_strName unless a view renames the node.
+    // Shares m_strName's characters unless a view renames the node.
     NodeText m_strDisplayName;
     COvDataItem* m_pParent = nullptr;
     std::vector<COvDataItem*> m_vecChildren;

@@ -2,25 +2,88 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 
 namespace {
 
-char16_t* Characters(QTypedArrayData<char16_t>* pData) {
-    return QTypedArrayData<char16_t>::dataStart(pData,
-                                                alignof(QTypedArrayData<char16_t>::AlignmentDummy));
+using Data = QTypedArrayData<char16_t>;
+
+// Texts in a block lie in a window of the block's buffer that is aligned to its own size. The
+// window starts with the address of the buffer's header, then holds one record per text: its
+// length in one unit, its units, a terminating 0 (Qt reads a string's next unit as one). A text
+// finds its header from its own address alone, and a pointer is all a node keeps of it.
+constexpr uintptr_t kWindowBytes = 64 * 1024;
+constexpr qsizetype kWindowUnits = kWindowBytes / sizeof(char16_t);
+constexpr qsizetype kHeaderUnits = sizeof(Data*) / sizeof(char16_t);
+// Longer texts get a buffer of their own, so that blocks are not left half empty.
+constexpr qsizetype kMaxInBlockUnits = 512;
+
+char16_t* Characters(Data* pData) {
+    return Data::dataStart(pData, alignof(Data::AlignmentDummy));
 }
 
 // The buffer under a string; data_ptr() of a non-const string hands it over without a copy.
-QTypedArrayData<char16_t>* HeaderOf(const QString& text) {
+Data* HeaderOf(const QString& text) {
     return const_cast<QString&>(text).data_ptr().d_ptr();
 }
 
-// A string whose characters start its buffer and fill all of it, the form a NodeText holds.
+// A string whose characters start its buffer and fill all of it, a form a NodeText holds.
 bool IsWhole(const QString& text) {
-    QTypedArrayData<char16_t>* pData = HeaderOf(text);
+    Data* pData = HeaderOf(text);
     return pData != nullptr && text.constData() == reinterpret_cast<QChar*>(Characters(pData)) &&
            text.size() == pData->allocatedCapacity();
 }
+
+// The block that new texts go to, with the reference that keeps it while it fills.
+class CurrentBlock {
+public:
+    CurrentBlock() = default;
+    CurrentBlock(const CurrentBlock&) = delete;
+    CurrentBlock& operator=(const CurrentBlock&) = delete;
+    ~CurrentBlock() { Release(); }
+
+    // Room for a record of nUnits text units; null when no block can be had.
+    char16_t* Reserve(qsizetype nUnits) {
+        const qsizetype nRecord = nUnits + 2;
+        if (m_pData == nullptr || m_nUsed + nRecord > kWindowUnits) {
+            if (!Start()) {
+                return nullptr;
+            }
+        }
+        char16_t* pRecord = m_pWindow + m_nUsed;
+        m_nUsed += nRecord;
+        return pRecord;
+    }
+    Data* Header() const { return m_pData; }
+
+private:
+    bool Start() {
+        Release();
+        // Twice the window, so that an aligned window fits whatever address the buffer gets;
+        // the pages outside it are never touched and cost no memory.
+        Data* pData = Data::allocate(2 * kWindowUnits).first;
+        if (pData == nullptr) {
+            return false;
+        }
+        const auto start = reinterpret_cast<uintptr_t>(Characters(pData));
+        const uintptr_t window = (start + kWindowBytes - 1) & ~(kWindowBytes - 1);
+        m_pData = pData;
+        m_pWindow = reinterpret_cast<char16_t*>(window);
+        std::memcpy(m_pWindow, &pData, sizeof(pData));
+        m_nUsed = kHeaderUnits;
+        return true;
+    }
+    void Release() {
+        if (m_pData != nullptr && !m_pData->deref()) {
+            Data::deallocate(m_pData);
+        }
+        m_pData = nullptr;
+    }
+
+    Data* m_pData = nullptr;
+    char16_t* m_pWindow = nullptr;
+    qsizetype m_nUsed = 0;
+};
 
 // The last few texts handed to nodes and the whole copies made of them. A type service answers
 // with one string per type; without this, every node would get a copy of its own.
@@ -55,20 +118,13 @@ NodeText::NodeText(const NodeText& other) {
 }
 
 NodeText& NodeText::operator=(const NodeText& other) {
-    if (this == &other) {
-        return *this;
+    if (this != &other) {
+        if (other.m_uBits != 0) {
+            other.Header()->ref();
+        }
+        Clear();
+        m_uBits = other.m_uBits;
     }
-    if (other.IsMirror()) {
-        // A mirror belongs to its owner's field; a copy takes the characters instead.
-        *this = *other.Mirrored();
-        return *this;
-    }
-    Data* pData = other.Header();
-    if (pData != nullptr) {
-        pData->ref();
-    }
-    Clear();
-    m_uBits = reinterpret_cast<uintptr_t>(pData);
     return *this;
 }
 
@@ -76,7 +132,8 @@ NodeText& NodeText::operator=(const QString& text) {
     if (text.isEmpty()) {
         Clear();
     } else if (IsWhole(text)) {
-        Share(HeaderOf(text));
+        HeaderOf(text)->ref();
+        Adopt(HeaderOf(text));
     } else {
         thread_local RecentTexts tRecent;
         const NodeText* pCopy = tRecent.Find(text);
@@ -87,60 +144,88 @@ NodeText& NodeText::operator=(const QString& text) {
 
 NodeText NodeText::Copy(QStringView text) {
     NodeText copy;
-    if (!text.isEmpty()) {
-        // The characters are written through the header: the allocator is declared like
-        // malloc, so the compiler may drop stores through the data pointer it returns when
-        // that pointer itself is never kept.
-        Data* pData = Data::allocate(text.size()).first;
-        if (pData != nullptr) {
-            char16_t* pUnits = Characters(pData);
-            std::copy(text.utf16(), text.utf16() + text.size(), pUnits);
-            pUnits[text.size()] = u'\0';
-            // The buffer may be larger than asked for; the text is as long as it says.
-            pData->alloc = text.size();
-            copy.m_uBits = reinterpret_cast<uintptr_t>(pData);
-        }
+    if (text.isEmpty()) {
+        return copy;
+    }
+    // The characters are written through the header: the allocator is declared like malloc,
+    // so the compiler may drop stores through the data pointer it returns when that pointer
+    // itself is never kept.
+    Data* pData = Data::allocate(text.size()).first;
+    if (pData != nullptr) {
+        char16_t* pUnits = Characters(pData);
+        std::copy(text.utf16(), text.utf16() + text.size(), pUnits);
+        pUnits[text.size()] = u'\0';
+        // The buffer may be larger than asked for; the text is as long as it says.
+        pData->alloc = text.size();
+        copy.Adopt(pData);
     }
     return copy;
 }
 
-void NodeText::Mirror(const QString* pText) {
-    Clear();
-    m_uBits = reinterpret_cast<uintptr_t>(pText) | kMirrorBit;
+NodeText NodeText::InBlock(QStringView text) {
+    if (text.isEmpty() || text.size() > kMaxInBlockUnits) {
+        return Copy(text);
+    }
+    thread_local CurrentBlock tBlock;
+    char16_t* pRecord = tBlock.Reserve(text.size());
+    if (pRecord == nullptr) {
+        return NodeText();
+    }
+    pRecord[0] = static_cast<char16_t>(text.size());
+    std::copy(text.utf16(), text.utf16() + text.size(), pRecord + 1);
+    pRecord[text.size() + 1] = u'\0';
+    tBlock.Header()->ref();
+    NodeText inBlock;
+    inBlock.m_uBits = reinterpret_cast<uintptr_t>(pRecord + 1) | kInBlockBit;
+    return inBlock;
+}
+
+NodeText::Data* NodeText::Header() const {
+    if (!IsInBlock()) {
+        return reinterpret_cast<Data*>(m_uBits);
+    }
+    Data* pData = nullptr;
+    std::memcpy(&pData, reinterpret_cast<const void*>(m_uBits & ~(kWindowBytes - 1)),
+                sizeof(pData));
+    return pData;
+}
+
+const char16_t* NodeText::Units() const {
+    return reinterpret_cast<const char16_t*>(m_uBits & ~kInBlockBit);
 }
 
 QString NodeText::ToString() const {
-    if (IsMirror()) {
-        return *Mirrored();
-    }
-    Data* pData = Header();
-    if (pData == nullptr) {
+    if (m_uBits == 0) {
         return QString();
     }
+    const QStringView view = View();
+    Data* pData = Header();
     pData->ref();
-    return QString(QString::DataPointer(pData, Characters(pData), pData->allocatedCapacity()));
+    return QString(QString::DataPointer(pData, const_cast<char16_t*>(view.utf16()), view.size()));
 }
 
 QStringView NodeText::View() const {
-    if (IsMirror()) {
-        return *Mirrored();
-    }
-    Data* pData = Header();
-    if (pData == nullptr) {
+    if (m_uBits == 0) {
         return QStringView();
     }
+    if (IsInBlock()) {
+        return QStringView(Units(), Units()[-1]);
+    }
+    Data* pData = Header();
     return QStringView(Characters(pData), pData->allocatedCapacity());
 }
 
-void NodeText::Share(Data* pData) {
-    pData->ref();
+void NodeText::Adopt(Data* pData) {
     Clear();
     m_uBits = reinterpret_cast<uintptr_t>(pData);
 }
 
 void NodeText::Clear() {
-    if (!IsMirror() && m_uBits != 0 && !Header()->deref()) {
-        Data::deallocate(Header());
+    if (m_uBits != 0) {
+        Data* pData = Header();
+        if (!pData->deref()) {
+            Data::deallocate(pData);
+        }
     }
     m_uBits = 0;
 }

@@ -18,14 +18,16 @@ public:
     // Texts of equal characters that come one after another from the same strings share one
     // buffer (a type service hands out the same few texts for every node).
     NodeText& operator=(const QString& text);
+    // A text with a buffer of its own.
     static NodeText Copy(QStringView text);
-    // Reads as `*pText` for as long as this holds nothing else; the owner keeps both together.
-    void Mirror(const QString* pText);
+    // A short text cut from a block of characters that many texts share, so that a name of a
+    // dozen characters costs little more than its characters; longer ones are copied.
+    static NodeText InBlock(QStringView text);
 
     operator QString() const { return ToString(); }
     QString ToString() const;
     QStringView View() const;
-    bool isEmpty() const { return View().isEmpty(); }
+    bool isEmpty() const { return m_uBits == 0; }
     qsizetype size() const { return View().size(); }
     QByteArray toUtf8() const { return View().toUtf8(); }
 
@@ -40,17 +42,16 @@ public:
 
 private:
     using Data = QTypedArrayData<char16_t>;
-    // 0 for the empty text; a Data header with one reference held, whose characters fill its
-    // whole capacity; or, with the low bit set, the QString that this text mirrors.
-    static constexpr uintptr_t kMirrorBit = 1;
+    // 0 for the empty text. Otherwise either a Data header whose characters fill its whole
+    // capacity, or, with the low bit set, the characters of a text in a shared block (see
+    // NodeText.cpp). Either form holds one reference on its buffer.
+    static constexpr uintptr_t kInBlockBit = 1;
 
     void Clear();
-    void Share(Data* pData);
-    Data* Header() const { return reinterpret_cast<Data*>(m_uBits); }
-    const QString* Mirrored() const {
-        return reinterpret_cast<const QString*>(m_uBits & ~kMirrorBit);
-    }
-    bool IsMirror() const { return (m_uBits & kMirrorBit) != 0; }
+    void Adopt(Data* pData);
+    bool IsInBlock() const { return (m_uBits & kInBlockBit) != 0; }
+    Data* Header() const;
+    const char16_t* Units() const;
 
     uintptr_t m_uBits = 0;
 };

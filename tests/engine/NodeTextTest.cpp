@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <vector>
+
 namespace {
 
 // A string with room to spare, as most strings that Qt builds have.
@@ -72,19 +74,36 @@ TEST(NodeText, CopiesAndReadsOutliveTheTextAndNeverChangeIt) {
     EXPECT_TRUE(kept == QStringLiteral("name.txt"));
 }
 
-TEST(NodeText, AMirrorFollowsItsStringAndACopyOfItStandsAlone) {
-    auto* pName = new QString(QStringLiteral("first"));
-    NodeText mirror;
-    mirror.Mirror(pName);
-    EXPECT_TRUE(mirror == QStringLiteral("first"));
-    *pName = QStringLiteral("second");
-    EXPECT_TRUE(mirror == QStringLiteral("second"));
-
-    NodeText copy = mirror;
-    mirror = QStringLiteral("renamed");
-    delete pName;
-    EXPECT_TRUE(copy == QStringLiteral("second"));
-    EXPECT_TRUE(mirror == QStringLiteral("renamed"));
+TEST(NodeText, NamesInBlocksReadBackAcrossManyBlocksAndOutliveThem) {
+    // Enough names to fill several blocks, of every length up to past the block limit.
+    std::vector<QString> sources;
+    for (int i = 0; i < 3000; ++i) {
+        QString name = QStringLiteral("n%1-").arg(i) + QString(i % 600, QChar(u'a' + i % 26));
+        if (i % 7 == 0) {
+            name += QStringLiteral("\u00E9\U0001F4C0");
+        }
+        sources.push_back(name);
+    }
+    std::vector<NodeText> names;
+    for (const QString& source : sources) {
+        names.push_back(NodeText::InBlock(source));
+    }
+    std::vector<QString> reads;
+    for (size_t i = 0; i < names.size(); ++i) {
+        ASSERT_TRUE(names[i] == sources[i]) << i;
+        const QString read = names[i];
+        ASSERT_EQ(read.utf16()[read.size()], 0) << i;
+        if (i % 500 == 0) {
+            reads.push_back(read);
+        }
+    }
+    NodeText copy = names[1];
+    names.clear();
+    EXPECT_TRUE(copy == sources[1]);
+    for (size_t i = 0; i < reads.size(); ++i) {
+        reads[i].append(u'!');
+        EXPECT_EQ(reads[i], sources[i * 500] + u'!');
+    }
 }
 
 } // namespace
