@@ -47,7 +47,7 @@ Result VolumeBrowser::FindFirst(const char16_t* folderPath, file_attr* attr) {
         return kEngineFileNotFound;
     }
     const IndexEntry& e = index_.Entry(folder);
-    if (e.childCount == 0) {
+    if (e.Children() == 0) {
         return kFindFolderEmpty;
     }
     listing_ = true;

@@ -47,9 +47,14 @@ Extent VolumeIndex::ExtentOf(const IndexEntry& e, uint32_t i) const {
 void VolumeIndex::CompactExtents() {
     MappedArray<Extent> kept;
     for (IndexEntry& e : entries_) {
-        if (e.IsDirectory() || e.extentCount == 0) {
-            e.firstExtent = 0;
-            e.extentCount = 0;
+        if (e.IsDirectory()) {
+            if ((e.flags & kEntryListed) == 0) {
+                e.firstChild = 0;
+                e.childCount = 0;
+            }
+            continue;
+        }
+        if (e.extentCount == 0) {
             continue;
         }
         if ((e.flags & kEntryInlineExtent) != 0) {
@@ -158,6 +163,7 @@ void VolumeIndex::CommitChildren(uint32_t parent) {
     std::span<IndexEntry> pending = Pending();
     entries_[parent].firstChild = pendingStart_;
     entries_[parent].childCount = static_cast<uint32_t>(pending.size());
+    entries_[parent].flags = static_cast<uint16_t>(entries_[parent].flags | kEntryListed);
     auto folders = static_cast<uint32_t>(std::count_if(
         pending.begin(), pending.end(), [](const IndexEntry& e) { return e.IsDirectory(); }));
     folders_ += folders;
@@ -167,7 +173,7 @@ void VolumeIndex::CommitChildren(uint32_t parent) {
 
 uint32_t VolumeIndex::FindChild(const IndexEntry& folder, std::u16string_view name) const {
     auto first = entries_.begin() + folder.firstChild;
-    auto last = first + folder.childCount;
+    auto last = first + folder.Children();
     auto it =
         std::lower_bound(first, last, name, [this](const IndexEntry& e, std::u16string_view n) {
             return Name(e) < n;

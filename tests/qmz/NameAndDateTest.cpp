@@ -156,7 +156,6 @@ TEST(VolumeIndexTest, RenamesClashesWithinTheNameLimitAndResolves) {
     EXPECT_EQ(index.FileCount(), 7u);
 }
 
-
 TEST(VolumeIndexTest, CompactingExtentsKeepsWhatEveryFileReads) {
     constexpr uint64_t kHighLba = uint64_t{1} << 33;
     struct Case {
@@ -199,6 +198,12 @@ TEST(VolumeIndexTest, CompactingExtentsKeepsWhatEveryFileReads) {
         index.AddPending(e);
     }
     index.CommitChildren(VolumeIndex::kRoot);
+    // A folder that its scan never reached holds its directory's extent where children go,
+    // and has none.
+    const IndexEntry& unlisted = index.Entry(index.Resolve(u"dir"));
+    EXPECT_EQ(index.ExtentAt(unlisted.firstExtent).lba, 18u);
+    EXPECT_EQ(unlisted.Children(), 0u);
+    EXPECT_EQ(index.Resolve(u"dir\\dir"), VolumeIndex::kNotFound);
     index.CompactExtents();
 
     EXPECT_EQ(index.Entry(index.Resolve(u"dir")).extentCount, 0u);
