@@ -183,7 +183,7 @@ void OnNotice(uint32_t code, const char16_t* pPayload, void* pContext) {
 
 qmz::Result ExtractItem(CImageReader& reader, const COvDataItem& item, const QString& targetBase,
                         bool bSkip) {
-    if (!CImageReader::IsWritableName(item.m_strDisplayName.View())) {
+    if (!CImageReader::IsWritableName(item.m_strDisplayName)) {
         PrintError(QStringLiteral("\"%1\" cannot be written: its name is not usable on this disk.")
                        .arg(item.m_strDisplayName.ToString()));
         return qmz::kFail;
@@ -215,7 +215,7 @@ std::vector<bool> PrepareTargets(const std::vector<const COvDataItem*>& items,
     }
     for (size_t i = 0; i < items.size(); ++i) {
         if (!skip[i] && items[i]->IsFolder() &&
-            CImageReader::IsWritableName(items[i]->m_strDisplayName.View())) {
+            CImageReader::IsWritableName(items[i]->m_strDisplayName)) {
             QDir().mkdir(targetBase + items[i]->m_strDisplayName);
         }
     }
