@@ -110,6 +110,7 @@ int main(int argc, char** argv) {
     std::printf("nodes:                         %d\n", nNodes);
     std::printf("memory per node:                 %.0f bytes\n",
                 static_cast<double>(nodeBytes) / nNodes);
+    std::printf("  of which the node itself:      %zu bytes\n", sizeof(COvDataItem));
     std::printf("walk, no pump:                 %.3f s (%.2f us per entry)\n", plain,
                 plain * 1e6 / nNodes);
     std::printf("walk, paced processEvents:     %.3f s\n", pumped);

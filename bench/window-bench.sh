@@ -24,24 +24,8 @@ start_target=0.3
 time_ratio_target=1.5
 memory_ratio_target=1.3
 
-# Every entry is the one empty file grafted at many paths, so no tree of a million files is
-# ever written to disk and the image holds directory records alone.
-make_big_image() {
-    echo "Making $big (once; kept in bench/cache) ..." >&2
-    local empty list
-    empty=$(mktemp)
-    list=$(mktemp)
-    awk -v src="$empty" 'BEGIN {
-        for (d = 0; d < 100; d++) for (s = 0; s < 100; s++) for (f = 0; f < 100; f++)
-            printf "folder-%02d/sub-%02d/file-%02d.txt=%s\n", d, s, f, src
-    }' >"$list"
-    xorriso -as mkisofs -quiet -R -J -graft-points -path-list "$list" -o "$big.tmp" 2>/dev/null
-    mv "$big.tmp" "$big"
-    rm -f "$empty" "$list"
-}
-
 mkdir -p "$cache"
-[ -f "$big" ] || make_big_image
+[ -f "$big" ] || "$here/make-entries-image.sh" "$big"
 
 # The window keeps its placement in settings of its own here, never the user's.
 settings=$(mktemp -d)

@@ -185,7 +185,7 @@ qmz::Result ExtractItem(CImageReader& reader, const COvDataItem& item, const QSt
                         bool bSkip) {
     if (!CImageReader::IsWritableName(item.m_strDisplayName)) {
         PrintError(QStringLiteral("\"%1\" cannot be written: its name is not usable on this disk.")
-                       .arg(item.m_strDisplayName));
+                       .arg(item.m_strDisplayName.ToString()));
         return qmz::kFail;
     }
     if (bSkip) {

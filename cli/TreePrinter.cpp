@@ -112,8 +112,8 @@ bool TreePrinter::PrintList(const COvDataItem& root) {
             }
             const size_t nPathStart = m_buffer.size();
             m_buffer += prefix;
-            AppendUtf8(m_buffer, reinterpret_cast<const char16_t*>(pChild->m_strName.utf16()),
-                       static_cast<size_t>(pChild->m_strName.size()));
+            const QStringView name = pChild->m_strName.View();
+            AppendUtf8(m_buffer, name.utf16(), static_cast<size_t>(name.size()));
             if (pChild->IsFolder()) {
                 folders.emplace_back(pChild, m_buffer.substr(nPathStart) + '/');
             }

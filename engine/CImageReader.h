@@ -9,6 +9,7 @@
 #include "CFileExtractor.h"
 #include "CImageWalk.h"
 #include "CTargetWriter.h"
+#include "NodeText.h"
 #include "QmzTypes.h"
 #include "ReaderProgress.h"
 
@@ -60,6 +61,7 @@ public:
     // Whether a name of the image can be a path component on the disk: one that could lead a
     // target path out of its folder is never written.
     static bool IsWritableName(QStringView name);
+    static bool IsWritableName(const NodeText& name) { return IsWritableName(name.View()); }
     // 1 if the bytes fit on the volume of path with one percent to spare, else 0.
     static int CheckDiskRoom(const QString& path, uint64_t ullBytes);
     static bool FitsInFreeBytes(uint64_t ullBytes, uint64_t ullFreeBytes);

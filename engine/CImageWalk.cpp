@@ -57,6 +57,8 @@ qmz::Result CImageWalk::Run(qmz::IQmzFileSystem& fileSystem, COvDataItem* pRoot,
         pNode->m_anSortState[COvDataItem::SortName] = 1;
         hr = ListEntries(pNode, folderPath, state);
         pNode->SortChildrenByName();
+        // The tree outlives the walk by far: no folder keeps room for children it never gets.
+        pNode->m_vecChildren.shrink_to_fit();
         // A failing FindClose ends the walk, but the walk's result stays what it was.
         if (fileSystem.FindClose() < 0) {
             break;

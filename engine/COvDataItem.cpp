@@ -34,9 +34,9 @@ void FreeNode(void* p) noexcept {
 // Case-insensitive order of QString::compare, with a fast path for ASCII, which most names
 // on discs are. Outside ASCII, case folding can map a character onto an ASCII one (the Kelvin
 // sign onto 'k'), so the rest of the names goes to Qt from the first such character on.
-int CompareNoCase(const QString& a, const QString& b) {
-    const char16_t* pa = reinterpret_cast<const char16_t*>(a.constData());
-    const char16_t* pb = reinterpret_cast<const char16_t*>(b.constData());
+int CompareNoCase(QStringView a, QStringView b) {
+    const char16_t* pa = a.utf16();
+    const char16_t* pb = b.utf16();
     const qsizetype n = std::min(a.size(), b.size());
     for (qsizetype i = 0; i < n; ++i) {
         char16_t ca = pa[i];
@@ -45,7 +45,7 @@ int CompareNoCase(const QString& a, const QString& b) {
             continue;
         }
         if (ca >= 0x80 || cb >= 0x80) {
-            return QStringView(a).mid(i).compare(QStringView(b).mid(i), Qt::CaseInsensitive);
+            return a.mid(i).compare(b.mid(i), Qt::CaseInsensitive);
         }
         ca = (ca >= u'A' && ca <= u'Z') ? static_cast<char16_t>(ca + 32) : ca;
         cb = (cb >= u'A' && cb <= u'Z') ? static_cast<char16_t>(cb + 32) : cb;
@@ -88,14 +88,14 @@ COvDataItem::COvDataItem(const QString& text, uint32_t kind, uint32_t sizeLow, u
     InitFromPath(text, nullptr);
 }
 
-void COvDataItem::InitFromPath(const QString& text, const QString* pSiblingPath) {
+void COvDataItem::InitFromPath(const QString& text, const NodeText* pSiblingPath) {
     const qsizetype nNameStart = text.lastIndexOf(u'\\') + 1;
-    m_strName = text.mid(nNameStart);
+    m_strName = NodeText::InBlock(QStringView(text).mid(nNameStart));
     const QStringView pathPart = QStringView(text).left(nNameStart);
     if (pSiblingPath != nullptr && *pSiblingPath == pathPart) {
         m_strPath = *pSiblingPath;
     } else {
-        m_strPath = pathPart.toString();
+        m_strPath = NodeText::Copy(pathPart);
     }
     m_strDisplayName = m_strName;
     FillTypeInfo(text);
@@ -141,7 +141,7 @@ COvDataItem* COvDataItem::AddChild(const QString& text, uint32_t kind, uint32_t 
     }
     pChild->m_uKind = kind;
     pChild->m_ullSize = JoinSize(sizeLow, sizeHigh);
-    const QString* pSiblingPath =
+    const NodeText* pSiblingPath =
         m_vecChildren.empty() ? nullptr : &m_vecChildren.back()->m_strPath;
     pChild->InitFromPath(text, pSiblingPath);
     AppendChild(pChild);
@@ -181,7 +181,7 @@ bool COvDataItem::LessByNameAscending(const COvDataItem* a, const COvDataItem* b
     if (a->m_uKind != b->m_uKind) {
         return a->m_uKind < b->m_uKind;
     }
-    return CompareNoCase(a->m_strName, b->m_strName) < 0;
+    return CompareNoCase(a->m_strName.View(), b->m_strName.View()) < 0;
 }
 
 void COvDataItem::SortChildrenByName() {

@@ -1,6 +1,7 @@
 // One node of the browsed tree of an image: the root, a folder or a file.
 #pragma once
 
+#include "NodeText.h"
 #include "QmzTypes.h"
 
 #include <QString>
@@ -49,14 +50,14 @@ public:
     static void SetFileTypeLookup(FileTypeLookup pfnLookup);
 
     int32_t m_anSortState[4] = {0, 0, 0, 0};
-    QString m_strName;
+    NodeText m_strName;
     // Shared between siblings, so a folder of many files holds its path once.
-    QString m_strPath;
-    // Shares m_strName's buffer unless a view renames it.
-    QString m_strDisplayName;
+    NodeText m_strPath;
+    // Shares m_strName's characters unless a view renames the node.
+    NodeText m_strDisplayName;
     COvDataItem* m_pParent = nullptr;
     std::vector<COvDataItem*> m_vecChildren;
-    QString m_strTypeName;
+    NodeText m_strTypeName;
     qmz::FileTime m_ftTime = {0, 0};
     uint32_t m_uKind = 0;
     int32_t m_nFolders = 0;
@@ -67,7 +68,7 @@ public:
 
 private:
     COvDataItem() = default;
-    void InitFromPath(const QString& text, const QString* pSiblingPath);
+    void InitFromPath(const QString& text, const NodeText* pSiblingPath);
     void FillTypeInfo(const QString& text);
     void AppendChild(COvDataItem* pChild);
 };

@@ -38,8 +38,11 @@ mkdir -p "$work/corpus" "$work/artifacts"
 
 # -max_len: a UDF volume needs its anchor at sector 256, so inputs reach past half a megabyte.
 # -malloc_limit_mb: no single allocation that a megabyte of image could justify is this big.
+# -rss_limit_mb: the fuzzer holds its whole corpus, which those large inputs make grow by a few
+# megabytes a minute; an hour on a grown corpus ended at 978 MB, close to a 1 GB limit, and the
+# malloc limit above is what catches an input that asks for too much.
 status=0
-"$fuzzer" "$work/corpus" "$seeds" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=1024 \
+"$fuzzer" "$work/corpus" "$seeds" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=3072 \
     -malloc_limit_mb=256 -max_len=1048576 -print_final_stats=1 \
     -artifact_prefix="$work/artifacts/" >"$work/log" 2>&1 || status=$?
 grep -E '^(==[0-9]+==ERROR|SUMMARY|artifact_prefix|Test unit written|stat::number_of_executed_units|Done)' \

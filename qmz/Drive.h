@@ -23,6 +23,8 @@ public:
     // hold a volume the engine reads.
     Result Open(const char* utf8Path);
     SectorSource& Sectors() { return *sectors_; }
+    // After a scan: the directory sectors it viewed are not read again for a long while.
+    void DropViews() const { file_.DropViews(); }
 
 private:
     ~Drive() = default;

@@ -48,10 +48,16 @@ const uint8_t* ImageFile::View(uint64_t offset, size_t length) const {
     constexpr uint64_t kPageBytes = 4096;
     const uint64_t touched = length + kPageBytes;
     if (viewedBytes_.fetch_add(touched, std::memory_order_relaxed) + touched >= kDropAfterBytes) {
-        viewedBytes_.store(0, std::memory_order_relaxed);
-        madvise(const_cast<uint8_t*>(mapping_), size_, MADV_DONTNEED);
+        DropViews();
     }
     return mapping_ + offset;
+}
+
+void ImageFile::DropViews() const {
+    viewedBytes_.store(0, std::memory_order_relaxed);
+    if (mapping_ != nullptr) {
+        madvise(const_cast<uint8_t*>(mapping_), size_, MADV_DONTNEED);
+    }
 }
 
 Result ImageFile::Read(uint64_t offset, void* dst, size_t length) const {

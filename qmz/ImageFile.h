@@ -28,6 +28,8 @@ public:
     // process although the page cache keeps them anyway, so every kDropAfterBytes of views the
     // mapping lets them go. Pointers stay valid: a page is mapped again when it is touched.
     const uint8_t* View(uint64_t offset, size_t length) const;
+    // Lets every page that views mapped in go; the pointers stay valid.
+    void DropViews() const;
     // Copies exactly `length` bytes from `offset`; a range past the end is kEngineReadFailed.
     Result Read(uint64_t offset, void* dst, size_t length) const;
     bool Contains(uint64_t offset, uint64_t length) const {

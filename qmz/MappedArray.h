@@ -8,6 +8,7 @@
 #include <cstring>
 #include <span>
 #include <type_traits>
+#include <utility>
 
 namespace qmz {
 
@@ -24,6 +25,7 @@ public:
     // Makes room for at least `bytes`, keeping the contents.
     void Reserve(size_t bytes);
     void Release();
+    void Swap(MappedBlock& other) noexcept;
 
 private:
     void* data_ = nullptr;
@@ -58,6 +60,10 @@ public:
         size_ = n;
     }
     void clear() { size_ = 0; }
+    void swap(MappedArray& other) noexcept {
+        block_.Swap(other.block_);
+        std::swap(size_, other.size_);
+    }
     void release() {
         block_.Release();
         size_ = 0;

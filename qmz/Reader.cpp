@@ -122,7 +122,14 @@ Result Reader::Start(uint32_t operation, uint32_t, uint32_t) {
 }
 
 void Reader::RunScan() {
-    Result r = ComSupport::Guarded([&] { return scanner_->Run(*index_); });
+    Result r = ComSupport::Guarded([&] {
+        Result scanned = scanner_->Run(*index_);
+        if (scanned == kOk) {
+            index_->CompactExtents();
+        }
+        drive_->DropViews();
+        return scanned;
+    });
     std::lock_guard<std::mutex> lock(mutex_);
     scanResult_ = r;
     scanEnded_ = true;

@@ -47,7 +47,7 @@ Result VolumeBrowser::FindFirst(const char16_t* folderPath, file_attr* attr) {
         return kEngineFileNotFound;
     }
     const IndexEntry& e = index_.Entry(folder);
-    if (e.childCount == 0) {
+    if (e.Children() == 0) {
         return kFindFolderEmpty;
     }
     listing_ = true;
@@ -98,7 +98,7 @@ Result VolumeBrowser::OpenFile(const char16_t* filePath, uint64_t* size) {
 Result VolumeBrowser::ReadExtents(uint8_t* out, uint32_t length, uint32_t* done) {
     const IndexEntry& e = index_.Entry(file_);
     while (*done < length && position_ < e.size && extent_ < e.extentCount) {
-        const Extent& extent = index_.ExtentAt(e.firstExtent + extent_);
+        const Extent extent = index_.ExtentOf(e, extent_);
         if (extentOffset_ >= extent.length) {
             ++extent_;
             extentOffset_ = 0;

@@ -37,6 +37,45 @@ uint32_t VolumeIndex::AppendExtent(const Extent& extent) {
     return static_cast<uint32_t>(extents_.size() - 1);
 }
 
+Extent VolumeIndex::ExtentOf(const IndexEntry& e, uint32_t i) const {
+    if ((e.flags & kEntryInlineExtent) != 0) {
+        return Extent{e.firstExtent, e.size};
+    }
+    return extents_[e.firstExtent + i];
+}
+
+void VolumeIndex::CompactExtents() {
+    MappedArray<Extent> kept;
+    for (IndexEntry& e : entries_) {
+        if (e.IsDirectory()) {
+            if ((e.flags & kEntryListed) == 0) {
+                e.firstChild = 0;
+                e.childCount = 0;
+            }
+            continue;
+        }
+        if (e.extentCount == 0) {
+            continue;
+        }
+        if ((e.flags & kEntryInlineExtent) != 0) {
+            continue;
+        }
+        const Extent& first = extents_[e.firstExtent];
+        if (e.extentCount == 1 && (e.flags & kEntryZisofs) == 0 && !first.zeros &&
+            first.offset == 0 && first.length == e.size && first.lba <= UINT32_MAX) {
+            e.firstExtent = static_cast<uint32_t>(first.lba);
+            e.flags = static_cast<uint16_t>(e.flags | kEntryInlineExtent);
+            continue;
+        }
+        const auto nFirst = static_cast<uint32_t>(kept.size());
+        for (uint32_t i = 0; i < e.extentCount; ++i) {
+            kept.push_back(extents_[e.firstExtent + i]);
+        }
+        e.firstExtent = nFirst;
+    }
+    extents_.swap(kept);
+}
+
 int VolumeIndex::CompareNames(std::u16string_view a, std::u16string_view b) {
     // As std::u16string_view::compare, which looks at each unit twice.
     size_t n = std::min(a.size(), b.size());
@@ -124,6 +163,7 @@ void VolumeIndex::CommitChildren(uint32_t parent) {
     std::span<IndexEntry> pending = Pending();
     entries_[parent].firstChild = pendingStart_;
     entries_[parent].childCount = static_cast<uint32_t>(pending.size());
+    entries_[parent].flags = static_cast<uint16_t>(entries_[parent].flags | kEntryListed);
     auto folders = static_cast<uint32_t>(std::count_if(
         pending.begin(), pending.end(), [](const IndexEntry& e) { return e.IsDirectory(); }));
     folders_ += folders;
@@ -133,7 +173,7 @@ void VolumeIndex::CommitChildren(uint32_t parent) {
 
 uint32_t VolumeIndex::FindChild(const IndexEntry& folder, std::u16string_view name) const {
     auto first = entries_.begin() + folder.firstChild;
-    auto last = first + folder.childCount;
+    auto last = first + folder.Children();
     auto it =
         std::lower_bound(first, last, name, [this](const IndexEntry& e, std::u16string_view n) {
             return Name(e) < n;

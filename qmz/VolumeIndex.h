@@ -31,6 +31,11 @@ enum EntryFlags : uint16_t {
     kEntryHidden = 2,
     kEntryTimeValid = 4,
     kEntryZisofs = 8, // the extents hold zisofs-compressed data; size is the uncompressed size
+    // The file's one extent is firstExtent's sector and `size` bytes from its start; the
+    // extents array holds nothing for it (see CompactExtents).
+    kEntryInlineExtent = 16,
+    // A folder whose children CommitChildren has set; until then it has none.
+    kEntryListed = 32,
 };
 
 struct IndexEntry {
@@ -39,13 +44,23 @@ struct IndexEntry {
     uint32_t nameOffset;
     uint16_t nameLength;
     uint16_t flags;
-    uint32_t firstExtent; // a folder has one, which only its scanner reads
-    uint32_t extentCount;
-    uint32_t firstChild;
-    uint32_t childCount;
+    // A folder's one extent is its directory data, which only its scan reads, before its
+    // children take the same place; a file never has children. So one pair of fields holds
+    // either, which spares a million entries eight megabytes.
+    union {
+        uint32_t firstExtent; // see kEntryInlineExtent
+        uint32_t firstChild;
+    };
+    union {
+        uint32_t extentCount;
+        uint32_t childCount;
+    };
 
     bool IsDirectory() const { return (flags & kEntryDirectory) != 0; }
+    uint32_t Children() const { return (flags & kEntryListed) != 0 ? childCount : 0; }
 };
+
+static_assert(sizeof(IndexEntry) == 32);
 
 class VolumeIndex {
 public:
@@ -71,7 +86,14 @@ public:
 
     uint32_t EntryCount() const { return static_cast<uint32_t>(entries_.size()); }
     const IndexEntry& Entry(uint32_t index) const { return entries_[index]; }
+    // An extent of the extents array, as the scanners add them.
     const Extent& ExtentAt(uint32_t index) const { return extents_[index]; }
+    // The i-th extent of a file, inline or in the array.
+    Extent ExtentOf(const IndexEntry& e, uint32_t i) const;
+    // Once the scan is over: folders drop the extent of their directory data, which only the
+    // scan reads, and a file of one plain extent keeps it in its entry. Most files of a volume
+    // are such files, so the array then holds little beyond fragmented and compressed files.
+    void CompactExtents();
     std::u16string_view Name(const IndexEntry& e) const {
         return {names_.data() + e.nameOffset, e.nameLength};
     }

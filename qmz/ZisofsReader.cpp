@@ -33,7 +33,7 @@ void ZisofsReader::Open(const VolumeIndex& index, uint32_t file, SectorSource& s
     size_ = e.size;
     recordedBytes_ = 0;
     for (uint32_t i = 0; i < e.extentCount; ++i) {
-        recordedBytes_ += index.ExtentAt(e.firstExtent + i).length;
+        recordedBytes_ += index.ExtentOf(e, i).length;
     }
     headerRead_ = false;
     loadedBlock_ = UINT64_MAX;
@@ -47,7 +47,7 @@ void ZisofsReader::Close() {
 Result ZisofsReader::ReadRecorded(uint64_t offset, uint8_t* dst, uint64_t length) {
     const IndexEntry& e = index_->Entry(file_);
     for (uint32_t i = 0; i < e.extentCount && length > 0; ++i) {
-        const Extent& x = index_->ExtentAt(e.firstExtent + i);
+        const Extent x = index_->ExtentOf(e, i);
         if (offset >= x.length) {
             offset -= x.length;
             continue;

@@ -28,7 +28,7 @@ TEST(COvDataItem, SplitsItsPathAndRollsSizesUpToEveryAncestor) {
     EXPECT_EQ(big->m_strPath, QStringLiteral("\\a\\b\\c\\"));
     EXPECT_EQ(top->m_strPath, QStringLiteral("\\"));
     for (COvDataItem* pFolder : {c, b, a}) {
-        EXPECT_EQ(pFolder->m_ullSize, kFiveGiB) << pFolder->m_strName.toStdString();
+        EXPECT_EQ(pFolder->m_ullSize, kFiveGiB) << pFolder->m_strName.ToString().toStdString();
     }
     EXPECT_EQ(root.m_ullSize, kFiveGiB + 7);
     EXPECT_EQ(c->m_nFiles, 2);
@@ -56,9 +56,11 @@ TEST(COvDataItem, SortsFoldersFirstThenNamesExactlyAsQtIgnoringCase) {
     }
     for (const COvDataItem* a : items) {
         for (const COvDataItem* b : items) {
-            const bool bQtLess = a->m_strName.compare(b->m_strName, Qt::CaseInsensitive) < 0;
+            const bool bQtLess =
+                a->m_strName.ToString().compare(b->m_strName, Qt::CaseInsensitive) < 0;
             EXPECT_EQ(COvDataItem::LessByNameAscending(a, b), bQtLess)
-                << a->m_strName.toStdString() << " < " << b->m_strName.toStdString();
+                << a->m_strName.ToString().toStdString() << " < "
+                << b->m_strName.ToString().toStdString();
         }
     }
     // Folders come before files whatever their names; a null pointer sorts first.
@@ -85,3 +87,23 @@ TEST(COvDataItem, DestroysADeepChainWithoutRecursion) {
 }
 
 } // namespace
+
+TEST(COvDataItem, NamesSharingABlockStayApartAndOutliveTheirTree) {
+    auto* pRoot = new COvDataItem(QString(), COvDataItem::KindRoot, 0, 0);
+    COvDataItem* a = Add(*pRoot, QStringLiteral("\\alpha"), COvDataItem::KindFile);
+    COvDataItem* b = Add(*pRoot, QStringLiteral("\\beta"), COvDataItem::KindFile);
+    // Qt reads the unit after a string's last one as its terminator.
+    QString kept = a->m_strName;
+    EXPECT_EQ(kept.utf16()[kept.size()], 0);
+    kept.append(QStringLiteral("-changed"));
+    EXPECT_EQ(b->m_strName, QStringLiteral("beta"));
+    EXPECT_EQ(a->m_strDisplayName, QStringLiteral("alpha"));
+
+    QString survivor = b->m_strName;
+    delete pRoot;
+    EXPECT_EQ(survivor, QStringLiteral("beta"));
+    // The last holder of a block may grow in place; nothing else reads the block any more.
+    survivor.append(QStringLiteral(" and more"));
+    EXPECT_EQ(survivor, QStringLiteral("beta and more"));
+    EXPECT_EQ(kept, QStringLiteral("alpha-changed"));
+}

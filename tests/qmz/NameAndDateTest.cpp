@@ -2,6 +2,9 @@
 // off the quarter hour, and names that clash.
 #include <cstring>
 #include <gtest/gtest.h>
+#include <string>
+#include <tuple>
+#include <vector>
 
 #include "EntryName.h"
 #include "IsoDate.h"
@@ -151,6 +154,73 @@ TEST(VolumeIndexTest, RenamesClashesWithinTheNameLimitAndResolves) {
     EXPECT_EQ(index.Resolve(u"a\\"), VolumeIndex::kNotFound);
     EXPECT_EQ(index.FolderCount(), 1u);
     EXPECT_EQ(index.FileCount(), 7u);
+}
+
+TEST(VolumeIndexTest, CompactingExtentsKeepsWhatEveryFileReads) {
+    constexpr uint64_t kHighLba = uint64_t{1} << 33;
+    struct Case {
+        const char16_t* name;
+        uint64_t size;
+        uint16_t flags;
+        std::vector<Extent> extents;
+    };
+    const std::vector<Case> cases = {
+        {u"plain", 5000, 0, {{100, 5000}}},
+        {u"empty", 0, 0, {}},
+        {u"zeros", 4096, 0, {{0, 4096, 0, true}}},
+        {u"embedded", 40, 0, {{7, 40, 176}}},
+        {u"short extent", 9000, 0, {{300, 4096}}},
+        {u"fragments", 6000, 0, {{10, 2048}, {50, 3952}}},
+        {u"zisofs", 70000, kEntryZisofs, {{20, 3000}}},
+        {u"high", 100, 0, {{kHighLba, 100}}},
+    };
+    VolumeIndex index;
+    index.AddRoot({16, 2048}, 0, false);
+    IndexEntry folder{};
+    folder.flags = kEntryDirectory;
+    folder.nameOffset = index.AppendName(u"dir", 3);
+    folder.nameLength = 3;
+    folder.firstExtent = index.AppendExtent({18, 2048});
+    folder.extentCount = 1;
+    index.AddPending(folder);
+    for (const Case& c : cases) {
+        IndexEntry e{};
+        e.size = c.size;
+        e.flags = c.flags;
+        const std::u16string_view name(c.name);
+        e.nameOffset = index.AppendName(name.data(), static_cast<uint32_t>(name.size()));
+        e.nameLength = static_cast<uint16_t>(name.size());
+        e.firstExtent = static_cast<uint32_t>(index.ExtentCount());
+        e.extentCount = static_cast<uint32_t>(c.extents.size());
+        for (const Extent& x : c.extents) {
+            index.AppendExtent(x);
+        }
+        index.AddPending(e);
+    }
+    index.CommitChildren(VolumeIndex::kRoot);
+    // A folder that its scan never reached holds its directory's extent where children go,
+    // and has none.
+    const IndexEntry& unlisted = index.Entry(index.Resolve(u"dir"));
+    EXPECT_EQ(index.ExtentAt(unlisted.firstExtent).lba, 18u);
+    EXPECT_EQ(unlisted.Children(), 0u);
+    EXPECT_EQ(index.Resolve(u"dir\\dir"), VolumeIndex::kNotFound);
+    index.CompactExtents();
+
+    EXPECT_EQ(index.Entry(index.Resolve(u"dir")).extentCount, 0u);
+    // Only the files that an entry cannot hold keep extents in the array.
+    EXPECT_EQ(index.ExtentCount(), 7u);
+    for (size_t k = 0; k < cases.size(); ++k) {
+        const Case& c = cases[k];
+        const IndexEntry& e = index.Entry(index.Resolve(c.name));
+        ASSERT_EQ(e.extentCount, c.extents.size()) << "case " << k;
+        for (uint32_t i = 0; i < e.extentCount; ++i) {
+            const Extent got = index.ExtentOf(e, i);
+            const Extent& want = c.extents[i];
+            EXPECT_EQ(std::tie(got.lba, got.length, got.offset, got.zeros),
+                      std::tie(want.lba, want.length, want.offset, want.zeros))
+                << "case " << k << " extent " << i;
+        }
+    }
 }
 
 } // namespace
