@@ -11,12 +11,15 @@ uint64_t TimeKey(const COvDataItem& node) {
            node.m_ftTime.dwLowDateTime;
 }
 
-int CompareText(const QString& a, const QString& b) {
+// Views, not strings: a comparison must not copy a name out of its shared block.
+int CompareText(const NodeText& a, const NodeText& b) {
+    const QStringView viewA = a.View();
+    const QStringView viewB = b.View();
     // Type names come from one cache and share their buffer, so most pairs end here.
-    if (a.constData() == b.constData() && a.size() == b.size()) {
+    if (viewA.data() == viewB.data() && viewA.size() == viewB.size()) {
         return 0;
     }
-    return a.compare(b, Qt::CaseInsensitive);
+    return viewA.compare(viewB, Qt::CaseInsensitive);
 }
 
 bool KeyBefore(const COvDataItem& a, const COvDataItem& b, int nColumn) {
