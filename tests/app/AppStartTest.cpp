@@ -1,7 +1,7 @@
 // The program's start and end as a person meets them: with and without a file on the command
 // line; with bad input there (no image, unreadable, gone while open, or an opening that the
-// person stops), after which the window still takes a good image; without a language table; and an
-// image that xorriso makes, opened by the real engine and walked into with the mouse.
+// person stops), after which the window still opens a good image and walks into it with the
+// mouse; and without a language table.
 #include "AppTestSupport.h"
 #include "CAlphaButton.h"
 #include "CFileListView.h"
@@ -143,14 +143,32 @@ void Vanish(COvrinApp& app, const QString& path) {
     EXPECT_EQ(ListRows(ListOf(app)), (QStringList{u"A"_s, u"B"_s, u"F1.TXT"_s}));
 }
 
+// The good image opens by the Open command: the title names it, types come from the desktop's
+// file types (a folder is one, a .txt file is text), and a double click walks into a folder.
 void ExpectGoodOpenAfter(COvrinApp& app, const QString& good, const QStringList& goodTree) {
-    ListOf(app).SetImageChooser(
+    CFileListView& list = ListOf(app);
+    list.SetImageChooser(
         [&](QWidget*, const QString&, const QString&, const QString&) { return good; });
     BoxCatcher boxes;
     EXPECT_TRUE(app.MainFrame()->OnCommand(CMainFrame::kCommandOpen));
     EXPECT_TRUE(boxes.m_lstTexts.isEmpty());
     EXPECT_EQ(TreeFolders(app), goodTree);
+    EXPECT_EQ(app.MainFrame()->windowTitle(), u"Ovrin Viewer ["_s + good + u']');
     ExpectWorkingWindow(app);
+
+    QTreeView* pReport = list.ListCtrl().ReportView();
+    const QAbstractItemModel* pModel = pReport->model();
+    EXPECT_FALSE(pModel->index(0, 2).data().toString().isEmpty());
+    EXPECT_TRUE(pModel->index(pModel->rowCount() - 1, 2)
+                    .data()
+                    .toString()
+                    .contains(u"text"_s, Qt::CaseInsensitive));
+    const QPoint at = pReport->visualRect(pModel->index(0, 0)).center();
+    QTest::mouseClick(pReport->viewport(), Qt::LeftButton, Qt::NoModifier, at);
+    QTest::mouseDClick(pReport->viewport(), Qt::LeftButton, Qt::NoModifier, at);
+    QCoreApplication::processEvents();
+    ASSERT_NE(TreeOf(app).TreeCtrl().currentItem(), nullptr);
+    EXPECT_EQ(TreeOf(app).TreeCtrl().currentItem()->text(0), goodTree[1]);
 }
 
 TEST(AppStart, BadInputIsReportedOnceAndLeavesAWorkingWindow) {
@@ -241,48 +259,6 @@ TEST(AppStart, WithoutALanguageTableTheSystemsBoxTellsAndTheStartEnds) {
     EXPECT_EQ(app.ExitInstance(), 0);
 }
 
-// An image that xorriso makes of docs/a.txt, docs/inner/b.txt and top.txt.
-QString MadeImage(const ts::TempDir& temp) {
-    std::filesystem::create_directories(temp / "src/docs/inner");
-    ts::WriteFile(temp / "src/docs/a.txt", ts::PatternBytes(100, 1));
-    ts::WriteFile(temp / "src/docs/inner/b.txt", ts::PatternBytes(50, 2));
-    ts::WriteFile(temp / "src/top.txt", ts::PatternBytes(300, 3));
-    const std::filesystem::path image = temp / "made.iso";
-    EXPECT_TRUE(ts::RunCommand("xorriso -as mkisofs -quiet -R -J -V MADE -o " + ts::Quote(image) +
-                               " " + ts::Quote(temp / "src")));
-    return QString::fromStdString(image.string());
-}
-
-TEST(AppStart, AnImageOnTheCommandLineIsShownAndWalkedInto) {
-    const ts::TempDir temp;
-    const QString path = MadeImage(temp);
-
-    BoxCatcher boxes;
-    COvrinApp app({u"ovrin"_s, path}, SourceSetup());
-    ASSERT_TRUE(app.InitInstance());
-    EXPECT_TRUE(boxes.m_lstTexts.isEmpty());
-    ExpectWorkingWindow(app);
-    EXPECT_EQ(app.MainFrame()->windowTitle(), u"Ovrin Viewer ["_s + path + u']');
-    CFolderTreeView& tree = TreeOf(app);
-    CFileListView& list = ListOf(app);
-    EXPECT_EQ(tree.TreeCtrl().topLevelItem(0)->text(0), u"MADE"_s);
-    ASSERT_EQ(ListRows(list), (QStringList{u"docs"_s, u"top.txt"_s}));
-    // Types come from the desktop's file types: a folder is one, a .txt file is text.
-    const QAbstractItemModel* pModel = list.ListCtrl().ReportView()->model();
-    EXPECT_FALSE(pModel->index(0, 2).data().toString().isEmpty());
-    EXPECT_TRUE(pModel->index(1, 2).data().toString().contains(u"text"_s, Qt::CaseInsensitive));
-
-    QTreeView* pReport = list.ListCtrl().ReportView();
-    const QPoint at = pReport->visualRect(pReport->model()->index(0, 0)).center();
-    QTest::mouseClick(pReport->viewport(), Qt::LeftButton, Qt::NoModifier, at);
-    QTest::mouseDClick(pReport->viewport(), Qt::LeftButton, Qt::NoModifier, at);
-    QCoreApplication::processEvents();
-    ASSERT_NE(tree.TreeCtrl().currentItem(), nullptr);
-    EXPECT_EQ(tree.TreeCtrl().currentItem()->text(0), u"docs"_s);
-    EXPECT_EQ(ListRows(list), (QStringList{u"inner"_s, u"a.txt"_s}));
-    EXPECT_EQ(app.ExitInstance(), 0);
-}
-
 class TreePaintCounter : public QObject {
 public:
     int m_nPaints = 0;
@@ -303,8 +279,8 @@ protected:
 TEST(AppStart, TheFirstPaintOptionEndsTheRunOnceTheImagesTreeIsPainted) {
     constexpr int kGiveUpMs = 20'000;
     constexpr int kGaveUp = 99;
-    const ts::TempDir temp;
-    const QString path = MadeImage(temp);
+    const Images images;
+    const QString path = QString::fromStdString(images.Good().string());
 
     qputenv("OVRIN_QUIT_AFTER_FIRST_PAINT", "1");
     TreePaintCounter counter;

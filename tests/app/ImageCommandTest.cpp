@@ -1,22 +1,18 @@
-// The image commands in the whole window: the frame's route to the active pane, its progress
-// dialog's stop button in the middle of an extraction, and the words of its reports for a file
-// that is viewed rather than extracted.
+// The image commands in the whole window: the frame's route to the active pane, and the words
+// of its reports for a file that is viewed rather than extracted.
 #include "AppTestSupport.h"
-#include "CAlphaButton.h"
 #include "CFileListView.h"
 #include "CFolderTreeView.h"
 #include "CImageReader.h"
 #include "CMainFrame.h"
 #include "COvrinDoc.h"
 #include "CProgressDlg.h"
-#include "Locations.h"
 #include "TestFiles.h"
 #include "ToolkitTestSupport.h"
 #include "ViewsTestSupport.h"
 
 #include <QDesktopServices>
 #include <QTest>
-#include <QTimer>
 #include <gtest/gtest.h>
 
 namespace {
@@ -28,7 +24,6 @@ namespace fs = std::filesystem;
 constexpr const char* kListing = "volume WINDOW\n"
                                  "d 0 Docs\n"
                                  "f 100 0 Docs\\a.txt\n"
-                                 "f 400000000 0 large.bin\n"
                                  "f 90000 0 unreadable.bin\n";
 
 class ImageCommands : public ::testing::Test {
@@ -87,29 +82,6 @@ protected:
     COvrinDoc m_doc;
     std::unique_ptr<CMainFrame> m_pFrame;
 };
-
-TEST_F(ImageCommands, TheStopButtonEndsAnExtractionAndLeavesNoPartOfTheFile) {
-    OpenAndClick(u"large.bin"_s);
-    SetExtractFolder(u"/elsewhere"_s);
-    // A person presses the progress dialog's stop button once the bar has moved.
-    QTimer stop;
-    bool bPressed = false;
-    QObject::connect(&stop, &QTimer::timeout, [&] {
-        CProgressDlg* pDialog = m_pFrame->ProgressDialog();
-        if (!bPressed && pDialog->isVisible() && m_reader.GetDoneBytes() > 4'000'000) {
-            toolkittest::Click(*pDialog->CancelButton());
-            bPressed = true;
-        }
-    });
-    stop.start(1);
-    BoxCatcher boxes;
-    EXPECT_TRUE(m_pFrame->OnCommand(CMainFrame::kCommandExtract));
-    EXPECT_TRUE(bPressed);
-    EXPECT_TRUE(boxes.m_lstTexts.isEmpty()) << "a stop is not reported";
-    EXPECT_FALSE(fs::exists(m_dir.Path() / "out" / "large.bin"));
-    EXPECT_EQ(GetExtractFolder(), u"/elsewhere"_s);
-    ExpectWorkingWindow();
-}
 
 TEST_F(ImageCommands, AFileThatCannotBeReadIsReportedInTheWordsOfItsCommand) {
     QDesktopServices::setUrlHandler(u"file"_s, m_pFrame.get(), "close");

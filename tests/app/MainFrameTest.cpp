@@ -7,7 +7,6 @@
 #include "ScalarReg.h"
 #include "ToolkitTestSupport.h"
 
-#include <QApplication>
 #include <QMenu>
 #include <gtest/gtest.h>
 #include <optional>
@@ -159,25 +158,6 @@ TEST_F(MainFrameTest, UpdatesAskTheActivePaneThenKnowTheFramesOwnCommands) {
     }
     // Without a file list the commands it would take do nothing, and nothing fails.
     EXPECT_TRUE(frame.OnCommand(CMainFrame::kCommandOpen));
-}
-
-TEST_F(MainFrameTest, TheFocusedPaneBecomesActive) {
-    CMainFrame frame;
-    auto* pLeft = new RecordingPane;
-    auto* pRight = new RecordingPane;
-    pRight->setFocusPolicy(Qt::StrongFocus);
-    frame.SetPanes(pLeft, pRight);
-    frame.show();
-    frame.activateWindow();
-    QCoreApplication::processEvents();
-    pRight->setFocus();
-    QCoreApplication::processEvents();
-    if (QApplication::focusWidget() != pRight) {
-        GTEST_SKIP() << "the platform gives no focus";
-    }
-    pRight->m_known[CMainFrame::kCommandView] = true;
-    EXPECT_TRUE(frame.OnCommand(CMainFrame::kCommandView));
-    EXPECT_TRUE(pLeft->m_commands.empty());
 }
 
 TEST_F(MainFrameTest, ViewMenuSendsTheViewStylesToTheFileList) {

@@ -4,17 +4,14 @@
 #include "CAlphaStatic.h"
 #include "CConfirmFile.h"
 #include "CGButton.h"
-#include "CImageReader.h"
+#include "ImagePanes.h"
 #include "Locations.h"
 #include "RestrictedTargets.h"
 #include "TestFiles.h"
 #include "ToolkitTestSupport.h"
-#include "ViewsTestSupport.h"
 
-#include <QHBoxLayout>
 #include <QPointer>
 #include <QScrollBar>
-#include <QTemporaryDir>
 #include <QTest>
 #include <fstream>
 #include <gtest/gtest.h>
@@ -35,10 +32,6 @@ constexpr const char* kListing = "volume EXTRACT\n"
                                  "f 10 133200000000000000 zz.txt\n";
 constexpr int kEscape = -1;
 const std::string kOld = "old";
-
-void RecordCode(uint32_t nCode, const char16_t*, void* pContext) {
-    static_cast<std::vector<uint32_t>*>(pContext)->push_back(nCode);
-}
 
 // Answers each overwrite question that comes up with the next answer of its list, by a click
 // on that button (or Escape), and keeps the questions' headings.
@@ -74,41 +67,22 @@ private:
     QTimer m_poll;
 };
 
-class Extract : public ::testing::Test {
+class Extract : public ImagePanes {
 protected:
-    Extract() : tree(&doc), list(&doc) {
-        auto* pLayout = new QHBoxLayout(&window);
-        pLayout->addWidget(&tree);
-        pLayout->addWidget(&list);
-        window.resize(800, 400);
-        window.show();
-        list.SetTreeView(&tree);
-        tree.OnInitialUpdate();
-        reader.SetCallback(RecordCode, &codes);
-        reader.SetPump([](void*) { QCoreApplication::processEvents(); }, nullptr);
-        list.SetFrameCallback(RecordCode, &codes);
-        tree.SetFrameCallback(RecordCode, &codes);
+    Extract() {
         const auto choose = [this](QWidget*, const QString& start, const QString&) {
             startFolders << start;
             return chosen;
         };
         list.SetFolderChooser(choose);
         tree.SetFolderChooser(choose);
-        g_pImageReader = &reader;
         target = dir.Path() / "out";
         fs::create_directories(target);
         chosen = QString::fromStdString(target.string());
     }
-    ~Extract() override {
-        g_pImageReader = nullptr;
-        SetExtractMountTable(QString());
-    }
+    ~Extract() override { SetExtractMountTable(QString()); }
 
-    void Open(const std::string& listing) {
-        const fs::path image = dir.Path() / "image.iso";
-        testsupport::WriteFile(image, {listing.begin(), listing.end()});
-        ASSERT_EQ(list.OpenImageFile(QString::fromStdString(image.string())), qmz::kOk);
-    }
+    void Open(const std::string& listing) { OpenListing(dir / "image.iso", listing); }
 
     // Ctrl and a click on each row of those names, as a person picks several.
     void Select(const QStringList& names) {
@@ -143,14 +117,7 @@ protected:
         std::ofstream(path) << text;
     }
 
-    testsupport::TempDir dir;
     fs::path target;
-    TestDocument doc;
-    QWidget window;
-    CFolderTreeView tree;
-    CFileListView list;
-    CImageReader reader{QStringLiteral(FAKEQMZ_PATH)};
-    std::vector<uint32_t> codes;
     QString chosen;
     QStringList startFolders;
 };

@@ -5,10 +5,8 @@
 #include "CWindowMessage.h"
 #include "ViewsTestSupport.h"
 
-#include <QFile>
 #include <QHeaderView>
 #include <QListView>
-#include <QTemporaryDir>
 #include <QTest>
 #include <QTreeView>
 #include <gtest/gtest.h>
@@ -207,15 +205,6 @@ TEST_F(ListFixture, TipShowsTheWholeTextOfACutCellOnly) {
                            ctrl.CutCellTextAt(QPoint(5, 390))}),
               (QStringList{u"a rather long file name that no narrow column can hold.txt"_s,
                            QString(), QString()}));
-}
-
-TEST(FileList, TemporaryFilesGoWithTheList) {
-    QTemporaryDir dir;
-    const QString path = dir.filePath(u"viewed.txt"_s);
-    ASSERT_TRUE(QFile(path).open(QIODevice::WriteOnly));
-    TestDocument doc;
-    CFileListView{&doc}.AddTempFile(path);
-    EXPECT_FALSE(QFile::exists(path));
 }
 
 TEST(FileList, AHundredThousandFilesFormatOnlyTheDrawnRows) {

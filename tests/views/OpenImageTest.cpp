@@ -1,15 +1,12 @@
 // Opening an image from the file list on the engine double: which names reach the engine, and
 // what the tree, the list, the title and the image folder show afterwards. The real engine and
 // bad images are the app's start test's.
-#include "CImageReader.h"
+#include "ImagePanes.h"
 #include "Locations.h"
 #include "TestFiles.h"
 #include "ToolkitTestSupport.h"
-#include "ViewsTestSupport.h"
 
 #include <QFileInfo>
-#include <QHBoxLayout>
-#include <QTemporaryDir>
 #include <gtest/gtest.h>
 #include <string>
 #include <vector>
@@ -24,42 +21,22 @@ constexpr const char* kFirstVolume =
 constexpr const char* kSecondVolume =
     "volume SECOND\nd 0 Docs\nd 0 Docs\\Sub\nd 0 Music\nf 5 0 readme.txt\n";
 
-void RecordCode(uint32_t nCode, const char16_t*, void* pContext) {
-    static_cast<std::vector<uint32_t>*>(pContext)->push_back(nCode);
-}
-
-class OpenImage : public ::testing::Test {
+class OpenImage : public ImagePanes {
 protected:
-    OpenImage() : tree(&doc), list(&doc) {
-        auto* pLayout = new QHBoxLayout(&window);
-        pLayout->addWidget(&tree);
-        pLayout->addWidget(&list);
-        list.SetTreeView(&tree);
-        tree.OnInitialUpdate();
-        reader.SetCallback(RecordCode, &codes);
-        list.SetFrameCallback(RecordCode, &codes);
+    OpenImage() {
         list.SetImageChooser(
             [this](QWidget*, const QString& folder, const QString& filter, const QString& title) {
                 asked = {folder, filter, title};
                 return chosen;
             });
-        g_pImageReader = &reader;
     }
-    ~OpenImage() override { g_pImageReader = nullptr; }
 
     QString Image(const QString& name, const std::string& text) {
-        const QString path = dir.filePath(name);
-        testsupport::WriteFile(path.toStdString(), {text.begin(), text.end()});
-        return path;
+        const std::filesystem::path path = dir / name.toStdString();
+        testsupport::WriteFile(path, {text.begin(), text.end()});
+        return QString::fromStdString(path.string());
     }
 
-    QTemporaryDir dir;
-    TestDocument doc;
-    QWidget window;
-    CFolderTreeView tree;
-    CFileListView list;
-    CImageReader reader{QStringLiteral(FAKEQMZ_PATH)};
-    std::vector<uint32_t> codes;
     QString chosen;
     QStringList asked;
 };

@@ -1,16 +1,14 @@
 // Handing the open image to the burning program (661) and to the virtual-drive program (671).
 // The programs are small scripts made here: they record their arguments, may crash, take the
 // image away, or hold the family's named locks as the real programs do while they run.
-#include "CImageReader.h"
+#include "ImagePanes.h"
 #include "NamedMutex.h"
 #include "RegTypes.h"
 #include "SiblingPrograms.h"
 #include "StringReg.h"
 #include "TestFiles.h"
 #include "ToolkitTestSupport.h"
-#include "ViewsTestSupport.h"
 
-#include <QHBoxLayout>
 #include <QProcess>
 #include <QThread>
 #include <QTimer>
@@ -41,30 +39,16 @@ constexpr const char* kRunningDrive =
     "open(sys.argv[0] + '.notice', 'w').write(conn.recv(64).decode())\n"
     "time.sleep(0.3)\n";
 
-class Siblings : public ::testing::Test {
+class Siblings : public ImagePanes {
 protected:
-    Siblings() : tree(&doc), list(&doc) {
-        auto* pLayout = new QHBoxLayout(&window);
-        pLayout->addWidget(&tree);
-        pLayout->addWidget(&list);
-        window.show();
-        list.SetTreeView(&tree);
-        tree.OnInitialUpdate();
-        g_pImageReader = &reader;
-        image = QString::fromStdString((dir / "image.iso").string());
+    Siblings() : image(QString::fromStdString((dir / "image.iso").string())) {
         Open();
         Install(QString::fromStdString((dir / "programs").string()));
         fs::create_directories(dir / "programs");
     }
-    ~Siblings() override {
-        g_pImageReader = nullptr;
-        Install(QString());
-    }
+    ~Siblings() override { Install(QString()); }
 
-    void Open() {
-        testsupport::WriteFile(image.toStdString(), {kListing, kListing + std::strlen(kListing)});
-        ASSERT_EQ(list.OpenImageFile(image), qmz::kOk);
-    }
+    void Open() { OpenListing(dir / "image.iso", kListing); }
     static void Install(const QString& folder) {
         StringReg(RegRoot::LocalMachine, QString::fromUtf16(kInstallKey) + u"\\10.0"_s,
                   u"InstallPath"_s, true) = folder;
@@ -96,12 +80,6 @@ protected:
         return boxes.m_lstTexts;
     }
 
-    testsupport::TempDir dir;
-    TestDocument doc;
-    QWidget window;
-    CFolderTreeView tree;
-    CFileListView list;
-    CImageReader reader{QStringLiteral(FAKEQMZ_PATH)};
     QString image;
 };
 

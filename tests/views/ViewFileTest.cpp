@@ -1,7 +1,7 @@
 // Viewing a file of the image (640) on the engine double: the temporary copy, its reuse while
 // its time stamp is the image's, the desktop's program asked to open it, and the copies removed
 // with the list.
-#include "CImageReader.h"
+#include "ImagePanes.h"
 #include "Locations.h"
 #include "RestrictedTargets.h"
 #include "TestFiles.h"
@@ -26,10 +26,6 @@ constexpr const char* kListing = "volume VIEW\n"
                                  "f 5000 133300000000000000 Docs\\b.txt\n"
                                  "f 300 133200000000000000 b.txt\n"
                                  "f 90000 133200000000000000 fails.bin\n";
-
-void RecordCode(uint32_t nCode, const char16_t*, void* pContext) {
-    static_cast<std::vector<uint32_t>*>(pContext)->push_back(nCode);
-}
 
 // Stands in for the desktop's program: keeps the files it was asked to open.
 class DesktopOpener : public QObject {
