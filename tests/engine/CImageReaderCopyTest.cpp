@@ -10,7 +10,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
+#include <chrono>
 #include <fcntl.h>
 #include <fstream>
 #include <poll.h>
@@ -207,12 +209,16 @@ TEST_F(ImageReaderCopyTest, AStopInTheMiddleLeavesNoTargetFile) {
 // write under way, not after the queue is written out.
 TEST_F(ImageReaderCopyTest, AStopWhileTheWriterWaitsOnASlowTargetEndsAfterTheWriteUnderWay) {
     constexpr uint64_t kFileBytes = uint64_t{24} << 20;
+    // The reading side pumps once for every chunk of 32 KiB that it queues.
+    constexpr int kQueuedPumps = static_cast<int>(kFileBytes / 32768);
     constexpr uint64_t kStopAfterBytes = uint64_t{2} << 20;
     // The most that one write of the writer hands over.
     constexpr uint64_t kOneWriteBytes = uint64_t{1} << 20;
-    // Only a guard against a writer that never opens the pipe; nothing here is timed.
+    // Only guards against a writer that never comes; nothing here is timed.
     constexpr int kGuardMs = 30000;
     Open("f " + std::to_string(kFileBytes) + " 0 big\n");
+    std::atomic<int> nPumps = 0;
+    m_reader.SetPump([](void* pCount) { ++*static_cast<std::atomic<int>*>(pCount); }, &nPumps);
     const path target = Target("big");
     ASSERT_EQ(mkfifo(target.c_str(), 0600), 0);
     const int fd = open(target.c_str(), O_RDONLY | O_NONBLOCK);
@@ -220,6 +226,9 @@ TEST_F(ImageReaderCopyTest, AStopWhileTheWriterWaitsOnASlowTargetEndsAfterTheWri
     uint64_t ullBefore = 0;
     uint64_t ullAfter = 0;
     std::thread slowDisk([&] {
+        for (int i = 0; i < kGuardMs && nPumps < kQueuedPumps; ++i) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
         std::vector<char> buffer(65536);
         pollfd wait{fd, POLLIN, 0};
         while (::poll(&wait, 1, kGuardMs) > 0) {
@@ -241,6 +250,7 @@ TEST_F(ImageReaderCopyTest, AStopWhileTheWriterWaitsOnASlowTargetEndsAfterTheWri
     const auto ullPipeBytes = static_cast<uint64_t>(fcntl(fd, F_GETPIPE_SZ));
     close(fd);
     EXPECT_EQ(hr, qmz::kStopped);
+    EXPECT_GE(nPumps, kQueuedPumps) << "the whole file was queued before the stop";
     EXPECT_LE(ullAfter, kOneWriteBytes + ullPipeBytes);
     EXPECT_FALSE(testsupport::fs::exists(target));
 }
