@@ -14,9 +14,10 @@ namespace {
 constexpr size_t kMaxQueuedBytes = size_t{64} << 20;
 // The file being written goes to the disk in windows of this size: each full window is handed to
 // the disk at once, and the writer waits for the one before it. The page cache then holds at most
-// two windows of the file unwritten, so the kernel never holds a write back for long to throttle
-// dirty pages, and a stopped file is removed without waiting for a flood of pages to reach the
-// disk; both would otherwise keep a stop waiting for seconds near the end of a large file.
+// two windows of the file unwritten. Without this, gigabytes pile up dirty: a write can then be
+// held for seconds while the file system writes back everything (ext4 does so when its dirty
+// data nears its free space), and removing a stopped file waits until its pages under writeback
+// reach the disk; either kept a stop near the end of a large file waiting for seconds.
 constexpr uint64_t kWritebackWindowBytes = uint64_t{8} << 20;
 
 // Writes all the parts, going on after a partial write; returns the bytes written, fewer than
