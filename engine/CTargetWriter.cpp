@@ -12,6 +12,13 @@ namespace {
 
 // Read-ahead that a slow target disk lets pile up before the reading side waits for it.
 constexpr size_t kMaxQueuedBytes = size_t{64} << 20;
+// The file being written goes to the disk in windows of this size: each full window is handed to
+// the disk at once, and the writer waits for the one before it. The page cache then holds at most
+// two windows of the file unwritten. Without this, gigabytes pile up dirty: a write can then be
+// held for seconds while the file system writes back everything (ext4 does so when its dirty
+// data nears its free space), and removing a stopped file waits until its pages under writeback
+// reach the disk; either kept a stop near the end of a large file waiting for seconds.
+constexpr uint64_t kWritebackWindowBytes = uint64_t{8} << 20;
 
 // Writes all the parts, going on after a partial write; returns the bytes written, fewer than
 // asked for when the system refused the rest.
@@ -38,6 +45,23 @@ size_t WriteAll(int fd, iovec* pParts, size_t nParts) {
         }
     }
     return nTotal;
+}
+
+// Hands every window that the file has filled since the last call to the disk, and waits for the
+// window before each. A target that can't do this (a pipe) is written without it: the call is a
+// hint about timing, and a failed write still shows in the write or the close.
+void WriteBackFullWindows(int fd, uint64_t& ullWindowStart, uint64_t ullWritten) {
+    while (ullWritten - ullWindowStart >= kWritebackWindowBytes) {
+        ::sync_file_range(fd, static_cast<off_t>(ullWindowStart), kWritebackWindowBytes,
+                          SYNC_FILE_RANGE_WRITE);
+        if (ullWindowStart >= kWritebackWindowBytes) {
+            ::sync_file_range(fd, static_cast<off_t>(ullWindowStart - kWritebackWindowBytes),
+                              kWritebackWindowBytes,
+                              SYNC_FILE_RANGE_WAIT_BEFORE | SYNC_FILE_RANGE_WRITE |
+                                  SYNC_FILE_RANGE_WAIT_AFTER);
+        }
+        ullWindowStart += kWritebackWindowBytes;
+    }
 }
 
 } // namespace
@@ -96,12 +120,15 @@ void CTargetWriter::WriteTargetFile(const TargetFile& file) {
     // side may finish long before the writer, and a short write there must not go unnoticed.
     std::array<ImageChunk, kWriteBatchChunks> batch;
     size_t nTaken = 0;
+    uint64_t ullWritten = 0;
+    uint64_t ullWindowStart = 0;
     while (m_progress.bStop == 0 && m_bWriteFailed == 0 &&
            (nTaken = m_oBuffers.Take(batch.data(), batch.size())) > 0) {
-        WriteChunks(fileno(pFile), batch.data(), nTaken);
+        ullWritten += WriteChunks(fileno(pFile), batch.data(), nTaken);
         for (size_t i = 0; i < nTaken; ++i) {
             FreeChunk(batch[i]);
         }
+        WriteBackFullWindows(fileno(pFile), ullWindowStart, ullWritten);
     }
     if (file.bHasTime && m_progress.bStop == 0 && m_bWriteFailed == 0) {
         const timespec times[2] = {{0, UTIME_OMIT}, file.modified};
@@ -124,7 +151,7 @@ void CTargetWriter::GiveUpTarget(const std::string& path) {
     m_oBuffers.Abandon(m_progress.bStop != 0 ? std::string() : path);
 }
 
-void CTargetWriter::WriteChunks(int fd, const ImageChunk* pChunks, size_t nChunks) {
+size_t CTargetWriter::WriteChunks(int fd, const ImageChunk* pChunks, size_t nChunks) {
     std::array<iovec, kWriteBatchChunks> parts{};
     size_t nParts = 0;
     size_t nWanted = 0;
@@ -144,4 +171,5 @@ void CTargetWriter::WriteChunks(int fd, const ImageChunk* pChunks, size_t nChunk
     if (nWritten < nWanted) {
         m_bWriteFailed = 1;
     }
+    return nWritten;
 }

@@ -37,7 +37,8 @@ private:
 
     void WriteTargetFile(const TargetFile& file);
     void GiveUpTarget(const std::string& path);
-    void WriteChunks(int fd, const ImageChunk* pChunks, size_t nChunks);
+    // Returns the bytes written.
+    size_t WriteChunks(int fd, const ImageChunk* pChunks, size_t nChunks);
 
     ReaderProgress& m_progress;
     ChunkQueue m_oBuffers;

@@ -10,8 +10,15 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <chrono>
+#include <fcntl.h>
 #include <fstream>
+#include <poll.h>
 #include <sys/stat.h>
+#include <thread>
+#include <unistd.h>
 
 namespace {
 
@@ -106,7 +113,9 @@ TEST_F(ImageReaderCopyTest, AFolderArrivesWithItsBytesAndTimes) {
                  {u"Top\\two chunks and one", 65537, 65537},
                  {u"Top\\pair-a", 40000, 40000},
                  {u"Top\\pair-b", 40000, 40000},
-                 {u"Top\\Sub\\deep.bin", 100000, 100000}};
+                 {u"Top\\Sub\\deep.bin", 100000, 100000},
+                 // The writer hands a large file to the disk in windows of 8 MiB as it goes.
+                 {u"Top\\past two windows", 20'983'809, 20'983'809}};
     std::string listing = "d 0 Top\nd 0 Top\\Sub\nd 0 Top\\Sub\\Empty\n";
     for (const auto& f : files) {
         listing += "f " + std::to_string(f.listed) + " 133485408000000000 " +
@@ -124,7 +133,7 @@ TEST_F(ImageReaderCopyTest, AFolderArrivesWithItsBytesAndTimes) {
         EXPECT_EQ(st.st_mtime, kUnix2024) << file;
     }
     EXPECT_TRUE(testsupport::fs::is_directory(base / "Top/Sub/Empty"));
-    EXPECT_EQ(m_observer.Codes(), std::vector<uint32_t>(7, NOTIFY_COPY_BEGIN));
+    EXPECT_EQ(m_observer.Codes(), std::vector<uint32_t>(std::size(files), NOTIFY_COPY_BEGIN));
     EXPECT_EQ(m_observer.notices[0].payload, u"Top\\zero");
     EXPECT_LE(m_reader.GetDoneBytes(), m_root.m_ullSize);
     EXPECT_FALSE(m_reader.IsCopying());
@@ -192,6 +201,57 @@ TEST_F(ImageReaderCopyTest, AStopInTheMiddleLeavesNoTargetFile) {
     m_observer.nStopAtPump = 5;
     const path target = Target("big");
     EXPECT_EQ(CopyFile(QStringLiteral("big"), target), qmz::kStopped);
+    EXPECT_FALSE(testsupport::fs::exists(target));
+}
+
+// A target that takes its data slowly (a pipe read by the test) keeps the writer in its writes
+// long after the reading side has queued the whole file. A stop must end the writing after the
+// write under way, not after the queue is written out.
+TEST_F(ImageReaderCopyTest, AStopWhileTheWriterWaitsOnASlowTargetEndsAfterTheWriteUnderWay) {
+    constexpr uint64_t kFileBytes = uint64_t{24} << 20;
+    // The reading side pumps once for every chunk of 32 KiB that it queues.
+    constexpr int kQueuedPumps = static_cast<int>(kFileBytes / 32768);
+    constexpr uint64_t kStopAfterBytes = uint64_t{2} << 20;
+    // The most that one write of the writer hands over.
+    constexpr uint64_t kOneWriteBytes = uint64_t{1} << 20;
+    // Only guards against a writer that never comes; nothing here is timed.
+    constexpr int kGuardMs = 30000;
+    Open("f " + std::to_string(kFileBytes) + " 0 big\n");
+    std::atomic<int> nPumps = 0;
+    m_reader.SetPump([](void* pCount) { ++*static_cast<std::atomic<int>*>(pCount); }, &nPumps);
+    const path target = Target("big");
+    ASSERT_EQ(mkfifo(target.c_str(), 0600), 0);
+    const int fd = open(target.c_str(), O_RDONLY | O_NONBLOCK);
+    ASSERT_GE(fd, 0);
+    uint64_t ullBefore = 0;
+    uint64_t ullAfter = 0;
+    std::thread slowDisk([&] {
+        for (int i = 0; i < kGuardMs && nPumps < kQueuedPumps; ++i) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+        std::vector<char> buffer(65536);
+        pollfd wait{fd, POLLIN, 0};
+        while (::poll(&wait, 1, kGuardMs) > 0) {
+            const ssize_t n = ::read(fd, buffer.data(), buffer.size());
+            if (n < 0 && errno == EAGAIN) {
+                continue;
+            }
+            if (n <= 0) {
+                break;
+            }
+            (ullBefore < kStopAfterBytes ? ullBefore : ullAfter) += static_cast<uint64_t>(n);
+            if (ullBefore >= kStopAfterBytes && m_reader.GetStop() == 0) {
+                m_reader.SetStop(1);
+            }
+        }
+    });
+    const qmz::Result hr = CopyFile(QStringLiteral("big"), target);
+    slowDisk.join();
+    const auto ullPipeBytes = static_cast<uint64_t>(fcntl(fd, F_GETPIPE_SZ));
+    close(fd);
+    EXPECT_EQ(hr, qmz::kStopped);
+    EXPECT_GE(nPumps, kQueuedPumps) << "the whole file was queued before the stop";
+    EXPECT_LE(ullAfter, kOneWriteBytes + ullPipeBytes);
     EXPECT_FALSE(testsupport::fs::exists(target));
 }
 
