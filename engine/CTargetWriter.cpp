@@ -64,6 +64,29 @@ void WriteBackFullWindows(int fd, uint64_t& ullWindowStart, uint64_t ullWritten)
     }
 }
 
+// Opens the target for writing from its start. The user agreed to replace what stands there,
+// so a symbolic link is replaced itself, never the file it points to, which may lie outside
+// the chosen folder. A FIFO that nobody reads fails at once (ENXIO) instead of blocking the
+// writer for ever; one that is read is written like a file.
+std::FILE* OpenTarget(const std::string& path) {
+    struct stat info {};
+    if (::lstat(path.c_str(), &info) == 0 && S_ISLNK(info.st_mode)) {
+        ::unlink(path.c_str());
+    }
+    constexpr int kFlags = O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
+    constexpr mode_t kMode = 0666;
+    const int fd = ::open(path.c_str(), kFlags, kMode);
+    if (fd < 0) {
+        return nullptr;
+    }
+    ::fcntl(fd, F_SETFL, ::fcntl(fd, F_GETFL) & ~O_NONBLOCK);
+    std::FILE* pFile = ::fdopen(fd, "wb");
+    if (pFile == nullptr) {
+        ::close(fd);
+    }
+    return pFile;
+}
+
 } // namespace
 
 CTargetWriter::CTargetWriter(ReaderProgress& progress)
@@ -105,7 +128,7 @@ void CTargetWriter::WriteTargetFile(const TargetFile& file) {
         m_oBuffers.Abandon({});
         return;
     }
-    std::FILE* pFile = std::fopen(file.path.c_str(), "wb");
+    std::FILE* pFile = OpenTarget(file.path);
     if (pFile == nullptr) {
         (errno == EACCES ? m_bAccessDenied : m_bWriteFailed) = 1;
         // A failed copy leaves no target, not even one that was there before and refused to

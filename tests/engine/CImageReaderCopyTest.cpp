@@ -380,3 +380,23 @@ TEST(DiskRoomTest, OnePercentIsHeldBack) {
 }
 
 } // namespace
+
+// What stands at the target is replaced, never followed: a link's own file outside the target
+// folder is left as it was, and a pipe that nobody reads fails the copy instead of hanging it.
+TEST_F(ImageReaderCopyTest, AReplacedLinkOrPipeNeverReachesBeyondTheTarget) {
+    Open("f 10 0 x\n");
+    const path outside = m_dir / "outside.txt";
+    std::ofstream(outside) << "keep";
+    const path link = Target("x");
+    testsupport::fs::create_symlink(outside, link);
+    EXPECT_EQ(CopyFile(QStringLiteral("x"), link), qmz::kOk);
+    EXPECT_FALSE(testsupport::fs::is_symlink(link));
+    EXPECT_EQ(testsupport::fs::file_size(link), 10u);
+    std::string kept;
+    std::getline(std::ifstream(outside), kept);
+    EXPECT_EQ(kept, "keep");
+
+    const path pipe = Target("pipe");
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    EXPECT_EQ(CopyFile(QStringLiteral("x"), pipe), qmz::kFail);
+}
