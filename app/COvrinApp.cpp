@@ -10,6 +10,7 @@
 #include "CLanguageChain.h"
 #include "CMainFrame.h"
 #include "COvrinDoc.h"
+#include "CShellIcons.h"
 #include "CTvgMessageBox.h"
 #include "SkinImages.h"
 #include "ToolkitHooks.h"
@@ -208,7 +209,10 @@ void COvrinApp::BuildGlobalFont() {
 
 // Without memory for the reader the window still comes up; every user tests the pointer.
 void COvrinApp::CreateImageReader() {
-    // Every node the walk makes asks the one type service for its type text and icons.
+    // Every node the walk makes asks the one type service for its type text and icons. The
+    // icon theme is chosen first: a theme lookup made before it (a dialog's own icon) would
+    // fix Qt's icon loader on a theme without the desktop's folder and file icons.
+    CShellIcons::EnsureFallbackTheme();
     CFileTypeCache::InstallForDataItems();
     m_pReader.reset(new (std::nothrow) CImageReader(m_setup.enginePath));
     g_pImageReader = m_pReader.get();
