@@ -5,9 +5,8 @@
 #include "CGButton.h"
 #include "CGStatic.h"
 #include "COvDataItem.h"
+#include "COvListModel.h"
 #include "CShellIcons.h"
-#include "EngineFields.h"
-#include "FileTimeMath.h"
 #include "Formatting.h"
 #include "SkinFonts.h"
 #include "SkinImages.h"
@@ -60,12 +59,6 @@ QString SizeText(uint64_t ullSize, bool bFolder) {
     QString unit;
     ScaleSize(ullSize, value, unit);
     return QString::asprintf("%.2f %s", value, qUtf8Printable(unit));
-}
-
-QDateTime LocalTimeOf(const qmz::FileTime& ft) {
-    const auto ticks = static_cast<int64_t>(enginefields::TicksOf(ft));
-    const int64_t msecs = ticks / 10'000 - filetime::kSecondsFrom1601To1970 * 1000;
-    return QDateTime::fromMSecsSinceEpoch(msecs).toLocalTime();
 }
 
 QImage SkinPicture(const char16_t* pPath, double scale) {
@@ -212,7 +205,7 @@ QString CConfirmFile::EntryText(const QFileInfo& info) {
 QString CConfirmFile::EntryText(const COvDataItem& item) {
     const bool bFolder = item.IsFolder();
     return TvnFormat(tvn::kEntryDetails, SizeText(bFolder ? 0 : item.m_ullSize, bFolder),
-                     FormatDateTime(LocalTimeOf(item.m_ftTime)));
+                     COvListModel::DateText(item.m_ftTime));
 }
 
 CGButton* CConfirmFile::Button(int nId) const {

@@ -8,7 +8,7 @@
 #include "CWindowMessage.h"
 #include "EngineFields.h"
 #include "ExtractTarget.h"
-#include "FileTimeMath.h"
+#include "FileTimeConversion.h"
 #include "Locations.h"
 #include "TvnText.h"
 
@@ -32,11 +32,8 @@ bool HasTime(const QString& path, const qmz::FileTime& ft) {
     if (::stat(QFile::encodeName(path).constData(), &info) != 0 || !S_ISREG(info.st_mode)) {
         return false;
     }
-    const int64_t ticks =
-        (static_cast<int64_t>(info.st_mtim.tv_sec) + filetime::kSecondsFrom1601To1970) *
-            static_cast<int64_t>(filetime::kTicksPerSecond) +
-        info.st_mtim.tv_nsec / 100;
-    return static_cast<uint64_t>(ticks) == enginefields::TicksOf(ft);
+    const filetime::UnixTime time = filetime::ToUnix(enginefields::TicksOf(ft));
+    return info.st_mtim.tv_sec == time.seconds && info.st_mtim.tv_nsec == time.nanoseconds;
 }
 
 } // namespace
@@ -104,8 +101,7 @@ void CFileListView::OnExtract() {
     if (g_pImageReader == nullptr) {
         return;
     }
-    const FolderChooser& fnChoose = m_fnChooseFolder ? m_fnChooseFolder : ChooseFolderWithDialog;
-    const QString target = AskExtractTarget(this, fnChoose);
+    const QString target = AskExtractTarget(this, m_fnChooseFolder);
     if (target.isEmpty()) {
         return;
     }

@@ -34,8 +34,7 @@ void CFolderTreeView::OnExtract() {
     if (g_pImageReader == nullptr || pNode == nullptr) {
         return;
     }
-    const FolderChooser& fnChoose = m_fnChooseFolder ? m_fnChooseFolder : ChooseFolderWithDialog;
-    const QString target = AskExtractTarget(this, fnChoose);
+    const QString target = AskExtractTarget(this, m_fnChooseFolder);
     if (target.isEmpty()) {
         return;
     }

@@ -13,13 +13,6 @@ namespace {
 constexpr uint64_t kTicksPerMillisecond = filetime::kTicksPerSecond / 1000;
 constexpr int64_t kMillisecondsFrom1601To1970 = filetime::kSecondsFrom1601To1970 * 1000;
 
-QString DateText(const qmz::FileTime& ft) {
-    const uint64_t ticks = (static_cast<uint64_t>(ft.dwHighDateTime) << 32) | ft.dwLowDateTime;
-    const int64_t msSince1970 =
-        static_cast<int64_t>(ticks / kTicksPerMillisecond) - kMillisecondsFrom1601To1970;
-    return FormatDateTime(QDateTime::fromMSecsSinceEpoch(msSince1970, Qt::UTC));
-}
-
 QString SizeText(const COvDataItem& node) {
     const QString size = FormatSizeInKB(node.m_ullSize);
     // A folder shows what lies below it, marked off from a file's own size.
@@ -110,4 +103,11 @@ QVariant COvListModel::headerData(int nSection, Qt::Orientation orientation, int
                                       : QVariant(Qt::Alignment(Qt::AlignLeft | Qt::AlignVCenter));
     }
     return QVariant();
+}
+
+QString COvListModel::DateText(const qmz::FileTime& ft) {
+    const uint64_t ticks = (static_cast<uint64_t>(ft.dwHighDateTime) << 32) | ft.dwLowDateTime;
+    const int64_t msSince1970 =
+        static_cast<int64_t>(ticks / kTicksPerMillisecond) - kMillisecondsFrom1601To1970;
+    return FormatDateTime(QDateTime::fromMSecsSinceEpoch(msSince1970, Qt::UTC));
 }

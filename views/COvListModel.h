@@ -3,6 +3,8 @@
 // only the cells on screen.
 #pragma once
 
+#include "QmzTypes.h"
+
 #include <QAbstractTableModel>
 #include <QSize>
 
@@ -32,6 +34,8 @@ public:
 
     // The texts of the cells, as they are drawn.
     static QString CellText(const COvDataItem& node, int nColumn);
+    // A node's time as the date column shows it, in the user's time zone and format.
+    static QString DateText(const qmz::FileTime& ft);
     // How many cell texts were made; what the virtual list saves.
     int FormattedCellCount() const { return m_nFormattedCells; }
 

@@ -64,7 +64,9 @@ void SetExtractMountTable(const QString& tablePath) {
 
 QString AskExtractTarget(QWidget* pParent, const FolderChooser& fnChoose) {
     const QString startFolder = WithTrailingSlash(GetExtractFolder());
-    const QString chosen = fnChoose(pParent, startFolder, TvnText(tvn::kExtractBrowseTitle));
+    const QString title = TvnText(tvn::kExtractBrowseTitle);
+    const QString chosen = fnChoose ? fnChoose(pParent, startFolder, title)
+                                    : ChooseFolderWithDialog(pParent, startFolder, title);
     if (chosen.isEmpty()) {
         return QString();
     }

@@ -30,7 +30,8 @@ void SetExtractMountTable(const QString& tablePath);
 
 // Steps shared by both views' extraction: the browser opening in the last extract folder, then
 // refusal of discs and unknown drives and of folders that cannot be written, each told in a
-// box. The chosen folder with a trailing '/', or empty when the command ends here.
+// box. Without a chooser the folder dialog asks. The chosen folder with a trailing '/', or
+// empty when the command ends here.
 QString AskExtractTarget(QWidget* pParent, const FolderChooser& fnChoose);
 
 // The commands' warning box, with a finished text; nIconFlags may ask for another icon.
