@@ -10,7 +10,6 @@
 #include "CLanguageChain.h"
 #include "CMainFrame.h"
 #include "COvrinDoc.h"
-#include "CShellIcons.h"
 #include "CTvgMessageBox.h"
 #include "SkinImages.h"
 #include "ToolkitHooks.h"
@@ -209,10 +208,7 @@ void COvrinApp::BuildGlobalFont() {
 
 // Without memory for the reader the window still comes up; every user tests the pointer.
 void COvrinApp::CreateImageReader() {
-    // Every node the walk makes asks the one type service for its type text and icons. The
-    // icon theme is chosen first: a theme lookup made before it (a dialog's own icon) would
-    // fix Qt's icon loader on a theme without the desktop's folder and file icons.
-    CShellIcons::EnsureFallbackTheme();
+    // Every node the walk makes asks the one type service for its type text and icons.
     CFileTypeCache::InstallForDataItems();
     m_pReader.reset(new (std::nothrow) CImageReader(m_setup.enginePath));
     g_pImageReader = m_pReader.get();

@@ -8,13 +8,21 @@
 
 #include <QApplication>
 #include <QFontMetrics>
+#include <QIcon>
 #include <QPointer>
 #include <QScreen>
+#include <QStandardPaths>
 #include <QWidget>
 
 namespace {
 
 QPointer<QWidget> g_pMainWindow;
+
+// A theme of full-colour icons that Debian ships; the install step installs it.
+const QString kFallbackTheme = QStringLiteral("Adwaita");
+// The freedesktop base theme "hicolor", which every icon theme inherits; it holds programs' own
+// icons, hardly any of types and folders.
+const QString kBaseTheme = QStringLiteral("hicolor");
 
 QString ElideToWidth(const QString& text, int nWidth, const void* pFont) {
     const QFont font = pFont != nullptr           ? *static_cast<const QFont*>(pFont)
@@ -39,9 +47,40 @@ double ScreenDeviceDpi() {
 }
 
 void InstallToolkitHooks() {
+    ChooseIconTheme();
     SetTextTruncator(ElideToWidth);
     CDisplayScale::SetDpiSource(ScreenDeviceDpi);
     SetNoticeHandler(ShowNotice);
+}
+
+void ChooseIconTheme() {
+    static bool s_bDone = false;
+    if (s_bDone) {
+        return;
+    }
+    s_bDone = true;
+    // Without a desktop session Qt names the base theme as the fallback, or no theme at all
+    // and no system folder to look in; either way no folder icon would be found.
+    if (QIcon::fallbackThemeName().isEmpty() || QIcon::fallbackThemeName() == kBaseTheme) {
+        QIcon::setFallbackThemeName(kFallbackTheme);
+    }
+    if (QIcon::themeName().isEmpty()) {
+        QIcon::setThemeName(kBaseTheme);
+    }
+    QStringList paths = QIcon::themeSearchPaths();
+    const QStringList dataFolders =
+        QStandardPaths::locateAll(QStandardPaths::GenericDataLocation, QStringLiteral("icons"),
+                                  QStandardPaths::LocateDirectory);
+    bool bAdded = false;
+    for (const QString& folder : dataFolders) {
+        if (!paths.contains(folder)) {
+            paths.append(folder);
+            bAdded = true;
+        }
+    }
+    if (bAdded) {
+        QIcon::setThemeSearchPaths(paths);
+    }
 }
 
 void SetMainWindowForText(QWidget* pWindow) {

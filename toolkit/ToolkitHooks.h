@@ -6,6 +6,10 @@
 class QWidget;
 
 void InstallToolkitHooks();
+// Chooses the icon theme once, before anything asks Qt for a themed icon: Qt's loader keeps the
+// theme it first looked in. The desktop's theme where there is one; without a desktop session
+// the fallback that Debian ships, so that folders and file types still have their icons.
+void ChooseIconTheme();
 // The window whose font measures text that names no font of its own; the application's font
 // until one is named.
 void SetMainWindowForText(QWidget* pWindow);

@@ -1,6 +1,7 @@
 #include "CShellIcons.h"
 
 #include "CIconTable.h"
+#include "ToolkitHooks.h"
 
 #include <QApplication>
 #include <QStandardPaths>
@@ -10,46 +11,11 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-// A theme of full-colour icons that Debian ships; the install step installs it.
-const QString kFallbackTheme = u"Adwaita"_s;
-// The freedesktop base theme "hicolor", which every icon theme inherits; it holds programs' own
-// icons, hardly any of types and folders.
-const QString kBaseTheme = u"hicolor"_s;
-
 QIcon StyleIcon(QStyle::StandardPixmap pixmap) {
     return QApplication::style()->standardIcon(pixmap);
 }
 
 } // namespace
-
-void CShellIcons::EnsureFallbackTheme() {
-    static bool s_bDone = false;
-    if (s_bDone) {
-        return;
-    }
-    s_bDone = true;
-    // Without a desktop session Qt names the base theme as the fallback, or no theme at all
-    // and no system folder to look in; either way no folder icon would be found.
-    if (QIcon::fallbackThemeName().isEmpty() || QIcon::fallbackThemeName() == kBaseTheme) {
-        QIcon::setFallbackThemeName(kFallbackTheme);
-    }
-    if (QIcon::themeName().isEmpty()) {
-        QIcon::setThemeName(kBaseTheme);
-    }
-    QStringList paths = QIcon::themeSearchPaths();
-    const QStringList dataFolders = QStandardPaths::locateAll(
-        QStandardPaths::GenericDataLocation, u"icons"_s, QStandardPaths::LocateDirectory);
-    bool bAdded = false;
-    for (const QString& folder : dataFolders) {
-        if (!paths.contains(folder)) {
-            paths.append(folder);
-            bAdded = true;
-        }
-    }
-    if (bAdded) {
-        QIcon::setThemeSearchPaths(paths);
-    }
-}
 
 CShellIcons& CShellIcons::Instance() {
     static CShellIcons icons(CIconTable::Instance());
@@ -72,7 +38,7 @@ QIcon CShellIcons::Icon(int nIndex) {
 }
 
 QIcon CShellIcons::Load(int nIndex) const {
-    EnsureFallbackTheme();
+    ChooseIconTheme();
     const QIcon fileIcon = StyleIcon(QStyle::SP_FileIcon);
     const CIconTable::IconName& name = m_table.At(nIndex);
     if (name.strName.isEmpty()) {
@@ -85,7 +51,7 @@ QIcon CShellIcons::Load(int nIndex) const {
 
 QIcon CShellIcons::RootIcon() {
     if (m_rootIcon.isNull()) {
-        EnsureFallbackTheme();
+        ChooseIconTheme();
         const QIcon drive = QIcon::fromTheme(
             u"drive-optical"_s,
             QIcon::fromTheme(u"media-optical"_s, StyleIcon(QStyle::SP_DriveCDIcon)));

@@ -16,8 +16,6 @@ public:
     // The volume at the root of the tree: the program's own icon, else an optical drive.
     QIcon RootIcon();
 
-    // Sets the fallback theme unless the desktop set one.
-    static void EnsureFallbackTheme();
     static CShellIcons& Instance();
 
 private:

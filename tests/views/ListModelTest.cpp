@@ -3,6 +3,7 @@
 #include "COvListModel.h"
 #include "CShellIcons.h"
 #include "Formatting.h"
+#include "ToolkitHooks.h"
 #include "ViewsTestSupport.h"
 
 #include <QAbstractItemModelTester>
@@ -98,7 +99,7 @@ TEST(ShellIcons, ThemeNameThenGenericNameThenTheStyleFileIcon) {
     CIconTable table;
     CShellIcons icons(table);
     // The style's own icon comes from the theme too, once the theme is set.
-    CShellIcons::EnsureFallbackTheme();
+    ChooseIconTheme();
     const QString fileIcon = QApplication::style()->standardIcon(QStyle::SP_FileIcon).name();
     for (const auto& c : cases) {
         const int nIndex = table.IndexOf(QString::fromUtf16(c.name), QString::fromUtf16(c.generic));

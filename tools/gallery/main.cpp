@@ -5,7 +5,6 @@
 //   --scale 1.5                       as on a screen of 144 dpi with EnableDPIAware set
 // It runs from the build folder or the installed program's, beside Image/ and Language/.
 
-#include "CShellIcons.h"
 #include "CTvnStringTable.h"
 #include "GalleryScenes.h"
 #include "Locations.h"
@@ -158,8 +157,6 @@ int main(int argc, char** argv) {
         EnableDpiAwareness();
     }
     InstallToolkitHooks();
-    // The desktop's icons for the entries of the overwrite question, as the program sets them.
-    CShellIcons::EnsureFallbackTheme();
     CTvnStringTable texts;
     if (!LoadEnglishTexts(texts)) {
         return 1;
