@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <new>
+#include <vector>
 
 namespace {
 
@@ -119,8 +120,8 @@ void COvDataItem::SetFileTypeLookup(FileTypeLookup pfnLookup) {
 
 COvDataItem::~COvDataItem() {
     // Frees the subtree without recursion: an image decides how deep a tree is.
-    std::vector<COvDataItem*> pending;
-    pending.swap(m_vecChildren);
+    std::vector<COvDataItem*> pending(m_vecChildren.begin(), m_vecChildren.end());
+    m_vecChildren.clear();
     while (!pending.empty()) {
         COvDataItem* pItem = pending.back();
         pending.pop_back();
@@ -144,7 +145,10 @@ COvDataItem* COvDataItem::AddChild(const QString& text, uint32_t kind, uint32_t 
     const NodeText* pSiblingPath =
         m_vecChildren.empty() ? nullptr : &m_vecChildren.back()->m_strPath;
     pChild->InitFromPath(text, pSiblingPath);
-    AppendChild(pChild);
+    if (!AppendChild(pChild)) {
+        delete pChild;
+        return nullptr;
+    }
 
     if (pChild->IsFolder()) {
         ++m_nFolders;
@@ -157,14 +161,9 @@ COvDataItem* COvDataItem::AddChild(const QString& text, uint32_t kind, uint32_t 
     return pChild;
 }
 
-void COvDataItem::AppendChild(COvDataItem* pChild) {
+bool COvDataItem::AppendChild(COvDataItem* pChild) {
     pChild->m_pParent = this;
-    // Grows by half of the capacity, which wastes less than doubling in trees of many folders.
-    if (m_vecChildren.size() == m_vecChildren.capacity()) {
-        const size_t nCapacity = m_vecChildren.capacity();
-        m_vecChildren.reserve(nCapacity < 4 ? 4 : nCapacity + nCapacity / 2);
-    }
-    m_vecChildren.push_back(pChild);
+    return m_vecChildren.push_back(pChild);
 }
 
 COvDataItem* COvDataItem::GetNextChild(size_t& pos) const {

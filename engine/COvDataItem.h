@@ -1,13 +1,13 @@
 // One node of the browsed tree of an image: the root, a folder or a file.
 #pragma once
 
+#include "NodeChildren.h"
 #include "NodeText.h"
 #include "QmzTypes.h"
 
 #include <QString>
 #include <cstdint>
 #include <new>
-#include <vector>
 
 struct FileTypeRecord;
 
@@ -22,7 +22,7 @@ public:
     // For the root, text is its name; otherwise it is the node's full path in the image with a
     // leading '\'.
     COvDataItem(const QString& text, uint32_t kind, uint32_t sizeLow, uint32_t sizeHigh);
-    virtual ~COvDataItem();
+    ~COvDataItem();
 
     COvDataItem(const COvDataItem&) = delete;
     COvDataItem& operator=(const COvDataItem&) = delete;
@@ -56,7 +56,7 @@ public:
     // Shares m_strName's characters unless a view renames the node.
     NodeText m_strDisplayName;
     COvDataItem* m_pParent = nullptr;
-    std::vector<COvDataItem*> m_vecChildren;
+    NodeChildren m_vecChildren;
     NodeText m_strTypeName;
     qmz::FileTime m_ftTime = {0, 0};
     uint32_t m_uKind = 0;
@@ -70,7 +70,7 @@ private:
     COvDataItem() = default;
     void InitFromPath(const QString& text, const NodeText* pSiblingPath);
     void FillTypeInfo(const QString& text);
-    void AppendChild(COvDataItem* pChild);
+    bool AppendChild(COvDataItem* pChild);
 };
 
 // The answer of the type service for one path.

@@ -50,7 +50,7 @@ bool ComesBefore(const COvDataItem* a, const COvDataItem* b, int nColumn) {
 }
 
 void SortChildren(COvDataItem& folder, int nColumn, bool bAscending) {
-    std::vector<COvDataItem*>& children = folder.m_vecChildren;
+    NodeChildren& children = folder.m_vecChildren;
     if (nColumn == COvDataItem::SortName) {
         // The node's own name order is the same rule with a faster comparison.
         std::sort(children.begin(), children.end(),
