@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <charconv>
 #include <deque>
+#include <type_traits>
 #include <utility>
 
 namespace {
@@ -36,6 +37,22 @@ char* EncodeCodePoint(char* p, char32_t cp) {
     }
     *p++ = static_cast<char>(0x80 | (cp & 0x3F));
     return p;
+}
+
+// Every Latin-1 character is one code point; ASCII, which a node's one-byte names hold, stays as
+// it is.
+void AppendLatin1(std::string& out, QLatin1StringView text) {
+    for (const char c : text) {
+        const auto cp = static_cast<unsigned char>(c);
+        if (cp == '\n') {
+            out += "\\n";
+        } else if (cp < 0x80) {
+            out += c;
+        } else {
+            char buffer[4];
+            out.append(buffer, EncodeCodePoint(buffer, cp));
+        }
+    }
 }
 
 } // namespace
@@ -69,6 +86,20 @@ void TreePrinter::AppendUtf8(std::string& out, const char16_t* pText, size_t nCh
         }
         out.append(buffer, p);
     }
+}
+
+void TreePrinter::AppendName(std::string& out, QAnyStringView name) {
+    name.visit([&out](auto view) {
+        if constexpr (std::is_same_v<decltype(view), QStringView>) {
+            AppendUtf8(out, view.utf16(), static_cast<size_t>(view.size()));
+        } else if constexpr (std::is_same_v<decltype(view), QLatin1StringView>) {
+            AppendLatin1(out, view);
+        } else {
+            const QString wide = view.toString();
+            AppendUtf8(out, reinterpret_cast<const char16_t*>(wide.utf16()),
+                       static_cast<size_t>(wide.size()));
+        }
+    });
 }
 
 void TreePrinter::AppendTime(std::string& out, uint64_t utcTicks) {
@@ -112,8 +143,7 @@ bool TreePrinter::PrintList(const COvDataItem& root) {
             }
             const size_t nPathStart = m_buffer.size();
             m_buffer += prefix;
-            const QStringView name = pChild->m_strName.View();
-            AppendUtf8(m_buffer, name.utf16(), static_cast<size_t>(name.size()));
+            AppendName(m_buffer, pChild->m_strName.View());
             if (pChild->IsFolder()) {
                 folders.emplace_back(pChild, m_buffer.substr(nPathStart) + '/');
             }

@@ -1,6 +1,7 @@
 // Writes the tree of an opened image as text, one entry a line, for people and scripts.
 #pragma once
 
+#include <QAnyStringView>
 #include <cstdint>
 #include <cstdio>
 #include <string>
@@ -18,6 +19,8 @@ public:
     bool PrintList(const COvDataItem& root);
 
     static void AppendUtf8(std::string& out, const char16_t* pText, size_t nChars);
+    // A node's name, UTF-16 or one byte a character, as AppendUtf8 writes it.
+    static void AppendName(std::string& out, QAnyStringView name);
     static void AppendTime(std::string& out, uint64_t utcTicks);
 
 private:

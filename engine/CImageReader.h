@@ -61,7 +61,7 @@ public:
     // Whether a name of the image can be a path component on the disk: one that could lead a
     // target path out of its folder is never written.
     static bool IsWritableName(QStringView name);
-    static bool IsWritableName(const NodeText& name) { return IsWritableName(name.View()); }
+    static bool IsWritableName(const NodeText& name) { return IsWritableName(name.ToString()); }
     // 1 if the bytes fit on the volume of path with one percent to spare, else 0.
     static int CheckDiskRoom(const QString& path, uint64_t ullBytes);
     static bool FitsInFreeBytes(uint64_t ullBytes, uint64_t ullFreeBytes);

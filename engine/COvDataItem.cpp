@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <new>
+#include <type_traits>
 #include <vector>
 
 namespace {
@@ -32,21 +33,28 @@ void FreeNode(void* p) noexcept {
 }
 #endif
 
+QAnyStringView Tail(const char* p, qsizetype n) {
+    return QLatin1StringView(p, n);
+}
+QAnyStringView Tail(const char16_t* p, qsizetype n) {
+    return QStringView(p, n);
+}
+
 // Case-insensitive order of QString::compare, with a fast path for ASCII, which most names
 // on discs are. Outside ASCII, case folding can map a character onto an ASCII one (the Kelvin
 // sign onto 'k'), so the rest of the names goes to Qt from the first such character on.
-int CompareNoCase(QStringView a, QStringView b) {
-    const char16_t* pa = a.utf16();
-    const char16_t* pb = b.utf16();
-    const qsizetype n = std::min(a.size(), b.size());
+template <typename CharA, typename CharB>
+int CompareNoCase(const CharA* pa, qsizetype na, const CharB* pb, qsizetype nb) {
+    const qsizetype n = std::min(na, nb);
     for (qsizetype i = 0; i < n; ++i) {
-        char16_t ca = pa[i];
-        char16_t cb = pb[i];
+        char16_t ca = static_cast<std::make_unsigned_t<CharA>>(pa[i]);
+        char16_t cb = static_cast<std::make_unsigned_t<CharB>>(pb[i]);
         if (ca == cb) {
             continue;
         }
         if (ca >= 0x80 || cb >= 0x80) {
-            return a.mid(i).compare(b.mid(i), Qt::CaseInsensitive);
+            return QAnyStringView::compare(Tail(pa + i, na - i), Tail(pb + i, nb - i),
+                                           Qt::CaseInsensitive);
         }
         ca = (ca >= u'A' && ca <= u'Z') ? static_cast<char16_t>(ca + 32) : ca;
         cb = (cb >= u'A' && cb <= u'Z') ? static_cast<char16_t>(cb + 32) : cb;
@@ -54,7 +62,32 @@ int CompareNoCase(QStringView a, QStringView b) {
             return ca < cb ? -1 : 1;
         }
     }
-    return a.size() == b.size() ? 0 : (a.size() < b.size() ? -1 : 1);
+    return na == nb ? 0 : (na < nb ? -1 : 1);
+}
+
+const char16_t* Chars(QStringView view) {
+    return view.utf16();
+}
+const char* Chars(QLatin1StringView view) {
+    return view.data();
+}
+
+template <typename View>
+concept HasChars = std::is_same_v<View, QStringView> || std::is_same_v<View, QLatin1StringView>;
+
+template <typename ViewA, typename ViewB> int CompareViews(ViewA a, ViewB b) {
+    if constexpr (HasChars<ViewA> && HasChars<ViewB>) {
+        return CompareNoCase(Chars(a), a.size(), Chars(b), b.size());
+    } else {
+        return QAnyStringView::compare(a, b, Qt::CaseInsensitive);
+    }
+}
+
+// Names are UTF-16 or one byte a character (see NodeText); either pairing takes the fast path.
+int CompareNoCase(QAnyStringView a, QAnyStringView b) {
+    return a.visit([b](auto viewA) {
+        return b.visit([viewA](auto viewB) { return CompareViews(viewA, viewB); });
+    });
 }
 
 uint64_t JoinSize(uint32_t sizeLow, uint32_t sizeHigh) {

@@ -10,13 +10,26 @@ using Data = QTypedArrayData<char16_t>;
 
 // Texts in a block lie in a window of the block's buffer that is aligned to its own size. The
 // window starts with the address of the buffer's header, then holds one record per text: its
-// length in one unit, its units, a terminating 0 (Qt reads a string's next unit as one). A text
-// finds its header from its own address alone, and a pointer is all a node keeps of it.
+// length in one unit, then either its units and a terminating 0 (Qt reads a string's next unit
+// as one), or, with kNarrowBit in the length, its ASCII characters one byte each, padded to a
+// whole unit. A text finds its header from its own address alone, and a pointer is all a node
+// keeps of it.
 constexpr uintptr_t kWindowBytes = 64 * 1024;
 constexpr qsizetype kWindowUnits = kWindowBytes / sizeof(char16_t);
 constexpr qsizetype kHeaderUnits = sizeof(Data*) / sizeof(char16_t);
 // Longer texts get a buffer of their own, so that blocks are not left half empty.
 constexpr qsizetype kMaxInBlockUnits = 512;
+constexpr char16_t kNarrowBit = 0x8000;
+static_assert(kMaxInBlockUnits < kNarrowBit);
+
+bool IsAscii(QStringView text) {
+    return std::all_of(text.begin(), text.end(), [](QChar c) { return c.unicode() < 0x80; });
+}
+
+// The units a record takes after its length unit.
+qsizetype RecordUnits(qsizetype nChars, bool bNarrow) {
+    return bNarrow ? (nChars + 1) / 2 : nChars + 1;
+}
 
 char16_t* Characters(Data* pData) {
     return Data::dataStart(pData, alignof(Data::AlignmentDummy));
@@ -42,9 +55,10 @@ public:
     CurrentBlock& operator=(const CurrentBlock&) = delete;
     ~CurrentBlock() { Release(); }
 
-    // Room for a record of nUnits text units; null when no block can be had.
+    // Room for a record whose text takes nUnits units after its length; null when no block can
+    // be had.
     char16_t* Reserve(qsizetype nUnits) {
-        const qsizetype nRecord = nUnits + 2;
+        const qsizetype nRecord = nUnits + 1;
         if (m_pData == nullptr || m_nUsed + nRecord > kWindowUnits) {
             if (!Start()) {
                 return nullptr;
@@ -167,13 +181,22 @@ NodeText NodeText::InBlock(QStringView text) {
         return Copy(text);
     }
     thread_local CurrentBlock tBlock;
-    char16_t* pRecord = tBlock.Reserve(text.size());
+    const bool bNarrow = IsAscii(text);
+    char16_t* pRecord = tBlock.Reserve(RecordUnits(text.size(), bNarrow));
     if (pRecord == nullptr) {
         return NodeText();
     }
-    pRecord[0] = static_cast<char16_t>(text.size());
-    std::copy(text.utf16(), text.utf16() + text.size(), pRecord + 1);
-    pRecord[text.size() + 1] = u'\0';
+    const auto nLength = static_cast<char16_t>(text.size());
+    if (bNarrow) {
+        pRecord[0] = nLength | kNarrowBit;
+        auto* pBytes = reinterpret_cast<char*>(pRecord + 1);
+        std::transform(text.begin(), text.end(), pBytes,
+                       [](QChar c) { return static_cast<char>(c.unicode()); });
+    } else {
+        pRecord[0] = nLength;
+        std::copy(text.utf16(), text.utf16() + text.size(), pRecord + 1);
+        pRecord[text.size() + 1] = u'\0';
+    }
     tBlock.Header()->ref();
     NodeText inBlock;
     inBlock.m_uBits = reinterpret_cast<uintptr_t>(pRecord + 1) | kInBlockBit;
@@ -198,18 +221,30 @@ QString NodeText::ToString() const {
     if (m_uBits == 0) {
         return QString();
     }
-    const QStringView view = View();
+    const QAnyStringView view = View();
+    if (IsNarrow()) {
+        return view.toString();
+    }
     Data* pData = Header();
     pData->ref();
-    return QString(QString::DataPointer(pData, const_cast<char16_t*>(view.utf16()), view.size()));
+    auto* pUnits = static_cast<char16_t*>(const_cast<void*>(view.data()));
+    return QString(QString::DataPointer(pData, pUnits, view.size()));
 }
 
-QStringView NodeText::View() const {
+bool NodeText::IsNarrow() const {
+    return IsInBlock() && (Units()[-1] & kNarrowBit) != 0;
+}
+
+QAnyStringView NodeText::View() const {
     if (m_uBits == 0) {
         return QStringView();
     }
     if (IsInBlock()) {
-        return QStringView(Units(), Units()[-1]);
+        const char16_t nLength = Units()[-1];
+        if ((nLength & kNarrowBit) != 0) {
+            return QLatin1StringView(reinterpret_cast<const char*>(Units()), nLength & ~kNarrowBit);
+        }
+        return QStringView(Units(), nLength);
     }
     Data* pData = Header();
     return QStringView(Characters(pData), pData->allocatedCapacity());

@@ -13,13 +13,13 @@ uint64_t TimeKey(const COvDataItem& node) {
 
 // Views, not strings: a comparison must not copy a name out of its shared block.
 int CompareText(const NodeText& a, const NodeText& b) {
-    const QStringView viewA = a.View();
-    const QStringView viewB = b.View();
+    const QAnyStringView viewA = a.View();
+    const QAnyStringView viewB = b.View();
     // Type names come from one cache and share their buffer, so most pairs end here.
-    if (viewA.data() == viewB.data() && viewA.size() == viewB.size()) {
+    if (viewA.data() == viewB.data() && viewA.size_bytes() == viewB.size_bytes()) {
         return 0;
     }
-    return viewA.compare(viewB, Qt::CaseInsensitive);
+    return QAnyStringView::compare(viewA, viewB, Qt::CaseInsensitive);
 }
 
 bool KeyBefore(const COvDataItem& a, const COvDataItem& b, int nColumn) {

@@ -60,12 +60,18 @@ TEST(TreePrinter, EncodesNamesAsUtf8WithNewlinesEscaped) {
          "b"},
         {"lone low surrogate at the end", std::u16string(u"a") + char16_t(0xDC00), "a\xEF\xBF\xBD"},
         {"newline", u"two\nlines", "two\\nlines"},
+        {"plain ASCII", u"README.TXT;1", "README.TXT;1"},
     };
+    // Through a node's name, which keeps ASCII one byte a character and the rest as UTF-16.
     for (const NameCase& c : cases) {
         std::string out;
-        TreePrinter::AppendUtf8(out, c.utf16.data(), c.utf16.size());
+        const NodeText name = NodeText::InBlock(QStringView(c.utf16.data(), c.utf16.size()));
+        TreePrinter::AppendName(out, name.View());
         EXPECT_EQ(out, c.utf8) << c.name;
     }
+    std::string latin1;
+    TreePrinter::AppendName(latin1, QLatin1StringView("caf\xE9\n"));
+    EXPECT_EQ(latin1, "caf\xC3\xA9\\n");
 }
 
 } // namespace

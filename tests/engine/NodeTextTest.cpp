@@ -97,6 +97,9 @@ TEST(NodeText, NamesInBlocksReadBackAcrossManyBlocksAndOutliveThem) {
             reads.push_back(read);
         }
     }
+    // A name kept one byte a character equals the same name kept as UTF-16.
+    EXPECT_TRUE(names[1] == NodeText::Copy(sources[1]));
+    EXPECT_TRUE(NodeText::Copy(sources[1]) == names[1]);
     NodeText copy = names[1];
     names.clear();
     EXPECT_TRUE(copy == sources[1]);
