@@ -155,9 +155,9 @@ void IsoScanner::AddRecord(VolumeIndex& index, const DirectoryRecord& record, bo
 
     IndexEntry entry{};
     bool timeValid = rockRidge_ && attributes_.hasTime;
-    entry.mtime = attributes_.mtime;
+    int64_t mtime = attributes_.mtime;
     if (!timeValid) {
-        timeValid = IsoDate::DecodeShort(record.RecordingDate(), &entry.mtime);
+        timeValid = IsoDate::DecodeShort(record.RecordingDate(), &mtime);
     }
     entry.flags = static_cast<uint16_t>((isDirectory ? kEntryDirectory : 0) |
                                         ((record.Flags() & kRecordHidden) != 0 ? kEntryHidden : 0) |
@@ -172,13 +172,13 @@ void IsoScanner::AddRecord(VolumeIndex& index, const DirectoryRecord& record, bo
         entry.firstExtent = index.AppendExtent(extent);
         entry.extentCount = 1;
     } else if (!(rockRidge_ && attributes_.IsSymlink())) {
-        entry.size = record.DataLength();
-        if (entry.size > 0) {
+        entry.SetSize(record.DataLength());
+        if (record.DataLength() > 0) {
             entry.firstExtent = index.AppendExtent(FolderExtent(record));
             entry.extentCount = 1;
         }
         if (rockRidge_ && attributes_.zisofs) {
-            entry.size = attributes_.zisofsSize;
+            entry.SetSize(attributes_.zisofsSize);
             entry.flags |= kEntryZisofs;
         }
         multi_.open = (record.Flags() & kRecordMultiExtent) != 0;
@@ -187,9 +187,8 @@ void IsoScanner::AddRecord(VolumeIndex& index, const DirectoryRecord& record, bo
             std::memcpy(multi_.id, record.Identifier(), multi_.idLength);
         }
     }
-    entry.nameOffset = index.AppendName(name_.Data(), name_.Length());
-    entry.nameLength = static_cast<uint16_t>(name_.Length());
-    index.AddPending(entry);
+    index.AppendName(name_.Data(), name_.Length(), &entry);
+    index.AddPending(entry, mtime);
 }
 
 bool IsoScanner::ContinueMultiExtent(VolumeIndex& index, const DirectoryRecord& record) {
@@ -209,7 +208,7 @@ bool IsoScanner::ContinueMultiExtent(VolumeIndex& index, const DirectoryRecord& 
         }
         ++file.extentCount;
         if ((file.flags & kEntryZisofs) == 0) { // ZF's size already counts every extent
-            file.size += record.DataLength();
+            file.SetSize(file.Size() + record.DataLength());
         }
     }
     multi_.open = (record.Flags() & kRecordMultiExtent) != 0;

@@ -140,7 +140,6 @@ void UdfScanner::AddChild(VolumeIndex& index, const uint8_t* fid) {
     }
     bool isDirectory = (characteristics & kFidDirectory) != 0;
     IndexEntry entry{};
-    entry.mtime = child.entry.ModificationTime();
     entry.flags = static_cast<uint16_t>((isDirectory ? kEntryDirectory : 0) |
                                         ((characteristics & kFidHidden) != 0 ? kEntryHidden : 0) |
                                         (child.entry.TimeValid() ? kEntryTimeValid : 0));
@@ -151,18 +150,18 @@ void UdfScanner::AddChild(VolumeIndex& index, const uint8_t* fid) {
     } else {
         damaged_ = true; // a loop, or a second name for a folder: listed, not walked again
     }
-    entry.nameOffset = index.AppendName(name_.Data(), name_.Length());
-    entry.nameLength = static_cast<uint16_t>(name_.Length());
-    index.AddPending(entry);
+    index.AppendName(name_.Data(), name_.Length(), &entry);
+    index.AddPending(entry, child.entry.ModificationTime());
 }
 
 void UdfScanner::AddFileExtents(VolumeIndex& index, const Icb& file, UdfAddress where,
                                 IndexEntry* entry) {
     uint64_t size = file.entry.InformationLength();
     if (file.entry.AdForm() == UdfAdForm::kEmbedded) {
-        entry->size = std::min<uint64_t>(size, file.entry.AdLength());
-        if (entry->size > 0) {
-            AddExtent(index, volume_.BlockExtent(file.physical, entry->size, file.entry.AdOffset()),
+        entry->SetSize(std::min<uint64_t>(size, file.entry.AdLength()));
+        if (entry->Size() > 0) {
+            AddExtent(index,
+                      volume_.BlockExtent(file.physical, entry->Size(), file.entry.AdOffset()),
                       entry);
         }
         return;
@@ -186,7 +185,7 @@ void UdfScanner::AddFileExtents(VolumeIndex& index, const Icb& file, UdfAddress 
             break;
         }
     }
-    entry->size = covered;
+    entry->SetSize(covered);
 }
 
 uint64_t UdfScanner::AddRecorded(VolumeIndex& index, UdfAddress at, uint64_t bytes,

@@ -27,13 +27,13 @@ void VolumeBrowser::Fill(uint32_t entry, file_attr* attr) {
         attr->uAttributes = kAttrDirectory | (hidden ? kAttrHidden : 0);
     } else {
         attr->uAttributes = hidden ? kAttrHidden : kAttrNormal;
-        attr->ullSize = e.size;
+        attr->ullSize = e.Size();
     }
     if ((e.flags & kEntryTimeValid) != 0) {
-        attr->ftLocalTime = localTime_.ToLocalFileTime(e.mtime);
+        attr->ftLocalTime = localTime_.ToLocalFileTime(index_.Time(e));
     }
-    std::u16string_view name = index_.Name(e);
-    std::memcpy(attr->strName, name.data(), name.size() * sizeof(char16_t));
+    NameView name = index_.Name(e);
+    name.CopyTo(attr->strName);
     attr->strName[name.size()] = 0;
 }
 
@@ -90,22 +90,22 @@ Result VolumeBrowser::OpenFile(const char16_t* filePath, uint64_t* size) {
         zisofs_.Open(index_, entry, source_);
     }
     if (size != nullptr) {
-        *size = index_.Entry(entry).size;
+        *size = index_.Entry(entry).Size();
     }
     return kOk;
 }
 
 Result VolumeBrowser::ReadExtents(uint8_t* out, uint32_t length, uint32_t* done) {
     const IndexEntry& e = index_.Entry(file_);
-    while (*done < length && position_ < e.size && extent_ < e.extentCount) {
+    while (*done < length && position_ < e.Size() && extent_ < e.extentCount) {
         const Extent extent = index_.ExtentOf(e, extent_);
         if (extentOffset_ >= extent.length) {
             ++extent_;
             extentOffset_ = 0;
             continue;
         }
-        uint64_t n =
-            std::min<uint64_t>({length - *done, extent.length - extentOffset_, e.size - position_});
+        uint64_t n = std::min<uint64_t>(
+            {length - *done, extent.length - extentOffset_, e.Size() - position_});
         if (extent.zeros) {
             std::memset(out + *done, 0, n);
         } else if (source_.CopyBytes(extent.lba, extent.offset + extentOffset_, out + *done, n) !=
@@ -133,7 +133,7 @@ Result VolumeBrowser::ReadFile(void* buffer, uint32_t length, uint32_t* read) {
     auto* out = static_cast<uint8_t*>(buffer);
     uint32_t done = 0;
     if ((e.flags & kEntryZisofs) != 0) {
-        done = static_cast<uint32_t>(std::min<uint64_t>(length, e.size - position_));
+        done = static_cast<uint32_t>(std::min<uint64_t>(length, e.Size() - position_));
         if (done > 0 && zisofs_.Read(position_, out, done) != kOk) {
             return kEngineReadFailed;
         }

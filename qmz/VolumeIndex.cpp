@@ -7,7 +7,9 @@ namespace qmz {
 
 void VolumeIndex::Clear() {
     entries_.clear();
-    names_.clear();
+    narrowNames_.clear();
+    wideNames_.clear();
+    times_.Clear();
     extents_.clear();
     pendingStart_ = 0;
     folders_ = 0;
@@ -17,7 +19,7 @@ void VolumeIndex::Clear() {
 void VolumeIndex::AddRoot(const Extent& extent, int64_t mtime, bool timeValid) {
     Clear();
     IndexEntry root{};
-    root.mtime = mtime;
+    root.timeIndex = times_.Add(mtime);
     root.flags = static_cast<uint16_t>(kEntryDirectory | (timeValid ? kEntryTimeValid : 0));
     root.firstExtent = AppendExtent(extent);
     root.extentCount = 1;
@@ -25,11 +27,20 @@ void VolumeIndex::AddRoot(const Extent& extent, int64_t mtime, bool timeValid) {
     pendingStart_ = 1;
 }
 
-uint32_t VolumeIndex::AppendName(const char16_t* units, uint32_t length) {
-    size_t offset = names_.size();
-    names_.resize(offset + length);
-    std::copy_n(units, length, names_.data() + offset);
-    return static_cast<uint32_t>(offset);
+void VolumeIndex::AppendName(const char16_t* units, uint32_t length, IndexEntry* entry) {
+    size_t offset = narrowNames_.size();
+    narrowNames_.resize(offset + length);
+    if (NameView::Narrow(units, length, narrowNames_.data() + offset)) {
+        entry->flags = static_cast<uint16_t>(entry->flags | kEntryNarrowName);
+    } else {
+        narrowNames_.resize(offset);
+        offset = wideNames_.size();
+        wideNames_.resize(offset + length);
+        std::copy_n(units, length, wideNames_.data() + offset);
+        entry->flags = static_cast<uint16_t>(entry->flags & ~kEntryNarrowName);
+    }
+    entry->nameOffset = static_cast<uint32_t>(offset);
+    entry->nameLength = static_cast<uint16_t>(length);
 }
 
 uint32_t VolumeIndex::AppendExtent(const Extent& extent) {
@@ -39,12 +50,13 @@ uint32_t VolumeIndex::AppendExtent(const Extent& extent) {
 
 Extent VolumeIndex::ExtentOf(const IndexEntry& e, uint32_t i) const {
     if ((e.flags & kEntryInlineExtent) != 0) {
-        return Extent{e.firstExtent, e.size};
+        return Extent{e.firstExtent, e.Size()};
     }
     return extents_[e.firstExtent + i];
 }
 
 void VolumeIndex::CompactExtents() {
+    times_.FinishAdding();
     MappedArray<Extent> kept;
     for (IndexEntry& e : entries_) {
         if (e.IsDirectory()) {
@@ -62,7 +74,7 @@ void VolumeIndex::CompactExtents() {
         }
         const Extent& first = extents_[e.firstExtent];
         if (e.extentCount == 1 && (e.flags & kEntryZisofs) == 0 && !first.zeros &&
-            first.offset == 0 && first.length == e.size && first.lba <= UINT32_MAX) {
+            first.offset == 0 && first.length == e.Size() && first.lba <= UINT32_MAX) {
             e.firstExtent = static_cast<uint32_t>(first.lba);
             e.flags = static_cast<uint16_t>(e.flags | kEntryInlineExtent);
             continue;
@@ -76,24 +88,12 @@ void VolumeIndex::CompactExtents() {
     extents_.swap(kept);
 }
 
-int VolumeIndex::CompareNames(std::u16string_view a, std::u16string_view b) {
-    // As std::u16string_view::compare, which looks at each unit twice.
-    size_t n = std::min(a.size(), b.size());
-    size_t i = 0;
-    while (i < n && a[i] == b[i]) {
-        ++i;
-    }
-    if (i < n) {
-        return a[i] < b[i] ? -1 : 1;
-    }
-    return a.size() < b.size() ? -1 : (a.size() > b.size() ? 1 : 0);
-}
-
 bool VolumeIndex::SortPending() {
     // Names are appended in record order, so the name offset keeps equal names in that order
-    // (the first one keeps its name) without the buffer a stable sort would allocate.
+    // (the first one keeps its name) without the buffer a stable sort would allocate. Equal
+    // names have the same units, so they are in the same buffer.
     auto before = [this](const IndexEntry& a, const IndexEntry& b) {
-        int order = CompareNames(Name(a), Name(b));
+        int order = NameView::Compare(Name(a), Name(b));
         return order < 0 || (order == 0 && a.nameOffset < b.nameOffset);
     };
     // ECMA-119 sorts a directory's records by identifier, which nearly always sorts the names
@@ -101,7 +101,7 @@ bool VolumeIndex::SortPending() {
     std::span<IndexEntry> pending = Pending();
     bool unique = true;
     for (size_t i = 1; i < pending.size(); ++i) {
-        int order = CompareNames(Name(pending[i - 1]), Name(pending[i]));
+        int order = NameView::Compare(Name(pending[i - 1]), Name(pending[i]));
         if (order > 0) {
             std::sort(pending.begin(), pending.end(), before);
             return std::adjacent_find(pending.begin(), pending.end(),
@@ -114,13 +114,13 @@ bool VolumeIndex::SortPending() {
     return unique;
 }
 
-bool VolumeIndex::PendingHasName(std::u16string_view name) const {
+bool VolumeIndex::PendingHasName(NameView name) const {
     auto pending = std::span(entries_.data(), entries_.size()).subspan(pendingStart_);
     return std::any_of(pending.begin(), pending.end(),
                        [&](const IndexEntry& e) { return Name(e) == name; });
 }
 
-std::u16string VolumeIndex::NumberedName(std::u16string_view base, uint32_t n) {
+std::u16string VolumeIndex::NumberedName(NameView base, uint32_t n) {
     std::u16string suffix;
     for (char c : " (" + std::to_string(n) + ")") {
         suffix.push_back(static_cast<char16_t>(c));
@@ -129,7 +129,7 @@ std::u16string VolumeIndex::NumberedName(std::u16string_view base, uint32_t n) {
     if (keep > 0 && keep < base.size() && base[keep] >= 0xDC00 && base[keep] <= 0xDFFF) {
         --keep; // never split a surrogate pair
     }
-    return std::u16string(base.substr(0, keep)) + suffix;
+    return base.ToU16String().substr(0, keep) + suffix;
 }
 
 void VolumeIndex::RenameDuplicates() {
@@ -137,18 +137,16 @@ void VolumeIndex::RenameDuplicates() {
     std::span<IndexEntry> pending = Pending();
     size_t runStart = 0;
     for (size_t i = 1; i < pending.size(); ++i) {
-        std::u16string_view base = Name(pending[runStart]);
+        NameView base = Name(pending[runStart]);
         if (Name(pending[i]) != base) {
             runStart = i;
             continue;
         }
         for (auto n = static_cast<uint32_t>(i - runStart) + 1;; ++n) {
             std::u16string candidate = NumberedName(base, n);
-            if (!PendingHasName(candidate)) {
+            if (!PendingHasName(std::u16string_view(candidate))) {
                 // AppendName may move the buffer that `base` views; it is not used after this.
-                pending[i].nameOffset =
-                    AppendName(candidate.data(), static_cast<uint32_t>(candidate.size()));
-                pending[i].nameLength = static_cast<uint16_t>(candidate.size());
+                AppendName(candidate.data(), static_cast<uint32_t>(candidate.size()), &pending[i]);
                 break;
             }
         }
@@ -171,13 +169,12 @@ void VolumeIndex::CommitChildren(uint32_t parent) {
     pendingStart_ = static_cast<uint32_t>(entries_.size());
 }
 
-uint32_t VolumeIndex::FindChild(const IndexEntry& folder, std::u16string_view name) const {
+uint32_t VolumeIndex::FindChild(const IndexEntry& folder, NameView name) const {
     auto first = entries_.begin() + folder.firstChild;
     auto last = first + folder.Children();
-    auto it =
-        std::lower_bound(first, last, name, [this](const IndexEntry& e, std::u16string_view n) {
-            return Name(e) < n;
-        });
+    auto it = std::lower_bound(first, last, name, [this](const IndexEntry& e, NameView n) {
+        return NameView::Compare(Name(e), n) < 0;
+    });
     if (it == last || Name(*it) != name) {
         return kNotFound;
     }

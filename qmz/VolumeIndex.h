@@ -1,9 +1,12 @@
 // The scanned tree of one volume, whatever its file system: entries in breadth-first order, each
-// folder's children contiguous and sorted by name, all names in one UTF-16 buffer and all file
-// extents in one array. A path resolves by a binary search per component.
+// folder's children contiguous and sorted by name, names in two buffers (one byte a unit for
+// names whose units all fit one, UTF-16 for the rest), times in a table of distinct times, and
+// all file extents in one array. A path resolves by a binary search per component.
 #pragma once
 
 #include "MappedArray.h"
+#include "NameView.h"
+#include "TimeTable.h"
 
 #include <cstdint>
 #include <span>
@@ -36,12 +39,18 @@ enum EntryFlags : uint16_t {
     kEntryInlineExtent = 16,
     // A folder whose children CommitChildren has set; until then it has none.
     kEntryListed = 32,
+    // The name is in the one-byte buffer; otherwise in the UTF-16 one.
+    kEntryNarrowName = 64,
 };
 
+// 28 bytes and 4-aligned: the size is kept as two halves so that no 8-byte field pads the
+// entry, which spares a million entries four megabytes.
 struct IndexEntry {
-    int64_t mtime; // seconds since 1970-01-01 UTC; meaningful with kEntryTimeValid
-    uint64_t size; // bytes; 0 for folders
-    uint32_t nameOffset;
+    uint32_t sizeLow; // bytes, with sizeHigh; 0 for folders
+    uint32_t sizeHigh;
+    // Into the index's time table (see VolumeIndex::Time); meaningful with kEntryTimeValid.
+    uint32_t timeIndex;
+    uint32_t nameOffset; // in the buffer kEntryNarrowName chooses
     uint16_t nameLength;
     uint16_t flags;
     // A folder's one extent is its directory data, which only its scan reads, before its
@@ -56,11 +65,16 @@ struct IndexEntry {
         uint32_t childCount;
     };
 
+    uint64_t Size() const { return uint64_t{sizeHigh} << 32 | sizeLow; }
+    void SetSize(uint64_t bytes) {
+        sizeLow = static_cast<uint32_t>(bytes);
+        sizeHigh = static_cast<uint32_t>(bytes >> 32);
+    }
     bool IsDirectory() const { return (flags & kEntryDirectory) != 0; }
     uint32_t Children() const { return (flags & kEntryListed) != 0 ? childCount : 0; }
 };
 
-static_assert(sizeof(IndexEntry) == 32);
+static_assert(sizeof(IndexEntry) == 28 && alignof(IndexEntry) == 4);
 
 class VolumeIndex {
 public:
@@ -74,11 +88,15 @@ public:
     // Building a folder's children: names and extents go in first, then the entries that refer
     // to them, appended after all others, then CommitChildren makes them the children of
     // `parent`.
-    uint32_t AppendName(const char16_t* units, uint32_t length);
+    // Stores the name in the buffer its units fit and points `entry` at it.
+    void AppendName(const char16_t* units, uint32_t length, IndexEntry* entry);
     uint32_t AppendExtent(const Extent& extent);
-    size_t NameUnits() const { return names_.size(); }
+    size_t NameUnits() const { return narrowNames_.size() + wideNames_.size(); }
     size_t ExtentCount() const { return extents_.size(); }
-    void AddPending(const IndexEntry& entry) { entries_.push_back(entry); }
+    void AddPending(IndexEntry entry, int64_t mtime) {
+        entry.timeIndex = times_.Add(mtime);
+        entries_.push_back(entry);
+    }
     IndexEntry& LastPending() { return entries_.back(); }
     // Sorts the pending entries by name, renames later duplicates "name (2)", "name (3)" so
     // every entry stays reachable by path, and makes them the children of `parent`.
@@ -93,10 +111,16 @@ public:
     // Once the scan is over: folders drop the extent of their directory data, which only the
     // scan reads, and a file of one plain extent keeps it in its entry. Most files of a volume
     // are such files, so the array then holds little beyond fragmented and compressed files.
+    // The time table also drops what only adding to it needs.
     void CompactExtents();
-    std::u16string_view Name(const IndexEntry& e) const {
-        return {names_.data() + e.nameOffset, e.nameLength};
+    NameView Name(const IndexEntry& e) const {
+        if ((e.flags & kEntryNarrowName) != 0) {
+            return {narrowNames_.data() + e.nameOffset, e.nameLength};
+        }
+        return std::u16string_view(wideNames_.data() + e.nameOffset, e.nameLength);
     }
+    // Seconds since 1970-01-01 UTC; meaningful with kEntryTimeValid.
+    int64_t Time(const IndexEntry& e) const { return times_.At(e.timeIndex); }
     uint32_t FolderCount() const { return folders_; }
     uint32_t FileCount() const { return files_; }
 
@@ -106,15 +130,16 @@ public:
 private:
     // Sorts the pending entries; false when two of them have the same name.
     bool SortPending();
-    static int CompareNames(std::u16string_view a, std::u16string_view b);
     void RenameDuplicates();
-    static std::u16string NumberedName(std::u16string_view base, uint32_t n);
-    bool PendingHasName(std::u16string_view name) const;
+    static std::u16string NumberedName(NameView base, uint32_t n);
+    bool PendingHasName(NameView name) const;
     std::span<IndexEntry> Pending() { return entries_.span().subspan(pendingStart_); }
-    uint32_t FindChild(const IndexEntry& folder, std::u16string_view name) const;
+    uint32_t FindChild(const IndexEntry& folder, NameView name) const;
 
     MappedArray<IndexEntry> entries_;
-    MappedArray<char16_t> names_;
+    MappedArray<uint8_t> narrowNames_;
+    MappedArray<char16_t> wideNames_;
+    TimeTable times_;
     MappedArray<Extent> extents_;
     uint32_t pendingStart_ = 0; // the entries from here on have no parent yet
     uint32_t folders_ = 0;

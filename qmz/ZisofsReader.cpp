@@ -30,7 +30,7 @@ void ZisofsReader::Open(const VolumeIndex& index, uint32_t file, SectorSource& s
     source_ = &source;
     file_ = file;
     const IndexEntry& e = index.Entry(file);
-    size_ = e.size;
+    size_ = e.Size();
     recordedBytes_ = 0;
     for (uint32_t i = 0; i < e.extentCount; ++i) {
         recordedBytes_ += index.ExtentOf(e, i).length;

@@ -255,11 +255,12 @@ TEST(PreadTest, SameTreeWithoutMapping) {
         EXPECT_EQ(IsoScanner(source, tree, cancel).Run(index), kOk);
         std::u16string names;
         for (uint32_t i = 0; i < index.EntryCount(); ++i) {
-            names += std::u16string(index.Name(index.Entry(i))) + u"/";
+            names += index.Name(index.Entry(i)).ToU16String() + u"/";
         }
         const IndexEntry& c = index.Entry(index.Resolve(u"c.txt"));
-        std::vector<uint8_t> data(c.size);
-        EXPECT_EQ(source.CopyBytes(index.ExtentAt(c.firstExtent).lba, 0, data.data(), c.size), kOk);
+        std::vector<uint8_t> data(c.Size());
+        EXPECT_EQ(source.CopyBytes(index.ExtentAt(c.firstExtent).lba, 0, data.data(), c.Size()),
+                  kOk);
         EXPECT_EQ(data, PatternBytes(5000, 2));
         return names;
     };

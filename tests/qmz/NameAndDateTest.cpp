@@ -129,9 +129,8 @@ TEST(VolumeIndexTest, RenamesClashesWithinTheNameLimitAndResolves) {
     auto add = [&](std::u16string_view name, bool directory = false) {
         IndexEntry e{};
         e.flags = directory ? kEntryDirectory : 0;
-        e.nameOffset = index.AppendName(name.data(), static_cast<uint32_t>(name.size()));
-        e.nameLength = static_cast<uint16_t>(name.size());
-        index.AddPending(e);
+        index.AppendName(name.data(), static_cast<uint32_t>(name.size()), &e);
+        index.AddPending(e, 0);
     };
     std::u16string longName(kMaxNameUnits, u'x');
     for (std::u16string_view name : {u"b", u"a", u"b", u"b (2)", u"b"}) {
@@ -142,7 +141,7 @@ TEST(VolumeIndexTest, RenamesClashesWithinTheNameLimitAndResolves) {
     index.CommitChildren(VolumeIndex::kRoot);
     std::vector<std::u16string> names;
     for (uint32_t i = 0; i < index.Entry(0).childCount; ++i) {
-        names.emplace_back(index.Name(index.Entry(index.Entry(0).firstChild + i)));
+        names.push_back(index.Name(index.Entry(index.Entry(0).firstChild + i)).ToU16String());
     }
     std::u16string renamed = longName.substr(4) + u" (2)";
     EXPECT_EQ(names, (std::vector<std::u16string>{u"a", u"b", u"b (2)", u"b (3)", u"b (4)", renamed,
@@ -178,24 +177,22 @@ TEST(VolumeIndexTest, CompactingExtentsKeepsWhatEveryFileReads) {
     index.AddRoot({16, 2048}, 0, false);
     IndexEntry folder{};
     folder.flags = kEntryDirectory;
-    folder.nameOffset = index.AppendName(u"dir", 3);
-    folder.nameLength = 3;
+    index.AppendName(u"dir", 3, &folder);
     folder.firstExtent = index.AppendExtent({18, 2048});
     folder.extentCount = 1;
-    index.AddPending(folder);
+    index.AddPending(folder, 0);
     for (const Case& c : cases) {
         IndexEntry e{};
-        e.size = c.size;
+        e.SetSize(c.size);
         e.flags = c.flags;
         const std::u16string_view name(c.name);
-        e.nameOffset = index.AppendName(name.data(), static_cast<uint32_t>(name.size()));
-        e.nameLength = static_cast<uint16_t>(name.size());
+        index.AppendName(name.data(), static_cast<uint32_t>(name.size()), &e);
         e.firstExtent = static_cast<uint32_t>(index.ExtentCount());
         e.extentCount = static_cast<uint32_t>(c.extents.size());
         for (const Extent& x : c.extents) {
             index.AppendExtent(x);
         }
-        index.AddPending(e);
+        index.AddPending(e, 0);
     }
     index.CommitChildren(VolumeIndex::kRoot);
     // A folder that its scan never reached holds its directory's extent where children go,
