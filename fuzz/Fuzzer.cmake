@@ -4,10 +4,13 @@ if(OVRIN_SANITIZE)
     return()
 endif()
 
-# Copies of an image in the other sector layouts, for the seed corpus.
+# Copies of an image in the other sector layouts and in the fuzzer's compact form, for the seed
+# corpus.
 add_executable(ovrin-sector-image ${PROJECT_SOURCE_DIR}/fuzz/SectorImageTool.cpp
+                                  ${PROJECT_SOURCE_DIR}/fuzz/SparseImage.cpp
                                   ${PROJECT_SOURCE_DIR}/tests/qmz/SectorImages.cpp)
-target_include_directories(ovrin-sector-image PRIVATE ${PROJECT_SOURCE_DIR}/tests/qmz)
+target_include_directories(ovrin-sector-image PRIVATE ${PROJECT_SOURCE_DIR}/tests/qmz
+                                                      ${PROJECT_SOURCE_DIR}/fuzz)
 target_link_libraries(ovrin-sector-image PRIVATE test_support)
 
 include(ExternalProject)

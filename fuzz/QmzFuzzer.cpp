@@ -4,15 +4,15 @@
 #include <cstdint>
 #include <cstdio>
 #include <string>
-#include <sys/mman.h>
-#include <unistd.h>
 #include <vector>
 
 #include "IClassFactory.h"
 #include "IQmzEngine.h"
 #include "IQmzFileSystem.h"
 #include "IQmzReader.h"
+#include "ImageMemoryFile.h"
 #include "QmzExports.h"
+#include "SparseImage.h"
 
 extern "C" qmz::Result DllGetClassObject(const qmz::Guid* clsid, const qmz::Guid* iid, void** ppv);
 
@@ -21,8 +21,9 @@ namespace {
 using namespace qmz;
 
 // A file's claimed size may exceed what the image holds many times over (extents that overlap
-// or repeat); reading is cut here so that each input stays quick.
-constexpr uint64_t kMaxBytesReadPerInput = 16u << 20;
+// or repeat); reading is cut here so that each input stays quick. Twice the largest image is
+// enough to read every file of any image once.
+constexpr uint64_t kMaxBytesReadPerInput = 4u << 20;
 constexpr uint32_t kReadChunk = 32768;
 constexpr uint32_t kWaitMs = 100;
 
@@ -126,32 +127,15 @@ IQmzEngine* CreateEngine() {
     return engine;
 }
 
-// The engine opens images by path; a memory file gives the input one without a disk. One file
-// serves every input: rewriting its pages in place is cheaper than a fresh file's page faults.
-int ImageFile() {
-    static const int fd = memfd_create("image", MFD_CLOEXEC);
-    return fd;
-}
-
-bool WriteImage(int fd, const uint8_t* data, size_t size) {
-    for (size_t done = 0; done < size;) {
-        const ssize_t n = pwrite(fd, data + done, size - done, static_cast<off_t>(done));
-        if (n <= 0) {
-            return false;
-        }
-        done += static_cast<size_t>(n);
-    }
-    return ftruncate(fd, static_cast<off_t>(size)) == 0;
-}
-
 } // namespace
 
+// Inputs are compact images (see SparseImage.h), or raw ones.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    const int fd = ImageFile();
-    if (fd < 0 || !WriteImage(fd, data, size)) {
+    static ovrin::fuzz::ImageMemoryFile file;
+    if (!file.Write(ovrin::fuzz::SparseImage::Parse(data, size))) {
         return 0;
     }
-    std::string path = "/proc/self/fd/" + std::to_string(fd);
+    const std::string path = file.Path();
     IQmzEngine* engine = CreateEngine();
     if (engine != nullptr) {
         Open(engine, std::u16string(path.begin(), path.end()));

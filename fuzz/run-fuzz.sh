@@ -1,8 +1,9 @@
 #!/bin/sh
 # Runs the engine fuzzer for SECONDS over a corpus in WORK, seeded with small images that
-# xorriso and genisoimage make on the first run, and copies of them in the other sector
-# layouts. Prints the number of inputs run; fails when the fuzzer found a crash, a hang or an
-# out-of-memory (the input is then in WORK/artifacts).
+# xorriso, genisoimage and mkudffs make on the first run, and copies of them in the other sector
+# layouts, all in the fuzzer's compact form (fuzz/SparseImage.h). Prints the number of inputs
+# run; fails when the fuzzer found a crash, a hang or an out-of-memory (the input is then in
+# WORK/artifacts).
 #   run-fuzz.sh FUZZER SECONDS WORK SECTOR_IMAGE_TOOL
 set -eu
 fuzzer=$1
@@ -11,7 +12,8 @@ work=$3
 convert=$4
 
 seeds="$work/seeds"
-if [ ! -f "$seeds/.made" ]; then
+# Seeds made before they were compact are made again.
+if [ ! -f "$seeds/.made-compact" ]; then
     rm -rf "$seeds" "$work/src"
     mkdir -p "$seeds" "$work/src/a/b/c/d/e/f/g/h/i" "$work/src/empty"
     printf 'hello\n' > "$work/src/a/hello.txt"
@@ -29,21 +31,38 @@ if [ ! -f "$seeds/.made" ]; then
     mkudffs --media-type=hd --udfrev=0x0201 -b 2048 "$seeds/udf-201.img" >/dev/null
     dd if=/dev/zero of="$seeds/udf-512.img" bs=512 count=600 status=none
     mkudffs --media-type=hd --udfrev=0x0201 -b 512 "$seeds/udf-512.img" >/dev/null
+    # A volume's anchor is at block 256 whatever the block size: past a megabyte at 4096 bytes.
+    for block in 1024 4096; do
+        dd if=/dev/zero of="$seeds/udf-$block.img" bs="$block" count=300 status=none
+        mkudffs --media-type=hd --udfrev=0x0201 -b "$block" "$seeds/udf-$block.img" >/dev/null
+    done
     for kind in mode1 mode2form1 mode2 subchannel nero-daox nero-etnf; do
         "$convert" "$kind" "$seeds/rr-joliet.iso" "$seeds/rr-joliet-$kind.img"
     done
-    touch "$seeds/.made"
+    for seed in "$seeds"/*; do
+        "$convert" compact "$seed" "$seed"
+    done
+    touch "$seeds/.made-compact"
 fi
 mkdir -p "$work/corpus" "$work/artifacts"
+# A corpus grown before inputs were compact holds raw images up to a megabyte, which the lower
+# -max_len below would cut short.
+if [ ! -f "$work/corpus.compact" ]; then
+    find "$work/corpus" -type f -exec "$convert" compact {} {} \;
+    touch "$work/corpus.compact"
+fi
 
-# -max_len: a UDF volume needs its anchor at sector 256, so inputs reach past half a megabyte.
-# -malloc_limit_mb: no single allocation that a megabyte of image could justify is this big.
-# -rss_limit_mb: the fuzzer holds its whole corpus, which those large inputs make grow by a few
-# megabytes a minute; an hour on a grown corpus ended at 978 MB, close to a 1 GB limit, and the
-# malloc limit above is what catches an input that asks for too much.
+# -max_len: compact inputs hold only an image's non-zero blocks; the seeds are a few kilobytes.
+# -malloc_limit_mb: no single allocation that two megabytes of image could justify is this big.
+# -rss_limit_mb: the fuzzer holds its whole corpus and grows with it; an hour on a grown corpus
+# of raw images ended at 978 MB, and the sanitizers' own bookkeeping grows over long runs, so
+# the limit is kept well above that. The malloc limit above is what catches an input that asks
+# for too much.
+# -reload=0: one fuzzer alone owns the corpus, so rereading its folder every second (a twentieth
+# of the time on a corpus of a few hundred inputs) finds nothing new.
 status=0
-"$fuzzer" "$work/corpus" "$seeds" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=3072 \
-    -malloc_limit_mb=256 -max_len=1048576 -print_final_stats=1 \
+"$fuzzer" "$work/corpus" "$seeds" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=4096 \
+    -malloc_limit_mb=256 -max_len=131072 -reload=0 -print_final_stats=1 \
     -artifact_prefix="$work/artifacts/" >"$work/log" 2>&1 || status=$?
 grep -E '^(==[0-9]+==ERROR|SUMMARY|artifact_prefix|Test unit written|stat::number_of_executed_units|Done)' \
     "$work/log" || true
