@@ -10,7 +10,8 @@ add_executable(ovrin-sector-image ${PROJECT_SOURCE_DIR}/fuzz/SectorImageTool.cpp
                                   ${PROJECT_SOURCE_DIR}/fuzz/SparseImage.cpp
                                   ${PROJECT_SOURCE_DIR}/tests/qmz/SectorImages.cpp)
 target_include_directories(ovrin-sector-image PRIVATE ${PROJECT_SOURCE_DIR}/tests/qmz
-                                                      ${PROJECT_SOURCE_DIR}/fuzz)
+                                                      ${PROJECT_SOURCE_DIR}/fuzz
+                                                      ${PROJECT_SOURCE_DIR}/qmz)
 target_link_libraries(ovrin-sector-image PRIVATE test_support)
 
 include(ExternalProject)

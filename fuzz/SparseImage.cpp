@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "ByteOrder.h"
+
 namespace ovrin::fuzz {
 
 namespace {
@@ -10,10 +12,6 @@ namespace {
 constexpr size_t kMagicBytes = sizeof(SparseImage::kMagic);
 constexpr size_t kSizeFieldBytes = 4;
 constexpr size_t kChunkHeaderBytes = 8;
-
-uint32_t LoadU32(const uint8_t* p) {
-    return uint32_t{p[0]} | uint32_t{p[1]} << 8 | uint32_t{p[2]} << 16 | uint32_t{p[3]} << 24;
-}
 
 void AppendU32(std::vector<uint8_t>* out, uint32_t value) {
     for (int shift = 0; shift < 32; shift += 8) {
@@ -40,11 +38,11 @@ SparseImage SparseImage::Parse(const uint8_t* data, size_t size) {
         }
         return image;
     }
-    image.size_ = std::min(LoadU32(data + kMagicBytes), kMaxImageBytes);
+    image.size_ = std::min(qmz::Le32(data + kMagicBytes), kMaxImageBytes);
     size_t pos = kMagicBytes + kSizeFieldBytes;
     while (size - pos >= kChunkHeaderBytes) {
-        const uint32_t offset = LoadU32(data + pos);
-        const uint32_t claimed = LoadU32(data + pos + 4);
+        const uint32_t offset = qmz::Le32(data + pos);
+        const uint32_t claimed = qmz::Le32(data + pos + 4);
         pos += kChunkHeaderBytes;
         const size_t present = std::min<size_t>(claimed, size - pos);
         const uint8_t* bytes = data + pos;
