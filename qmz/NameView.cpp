@@ -7,18 +7,6 @@ namespace qmz {
 
 namespace {
 
-template <class A, class B> int CompareUnits(const A* a, size_t na, const B* b, size_t nb) {
-    size_t n = std::min(na, nb);
-    size_t i = 0;
-    while (i < n && char16_t{a[i]} == char16_t{b[i]}) {
-        ++i;
-    }
-    if (i < n) {
-        return char16_t{a[i]} < char16_t{b[i]} ? -1 : 1;
-    }
-    return na < nb ? -1 : (na > nb ? 1 : 0);
-}
-
 // Four units a step in one 64-bit word, as most names are converted once in the scan and once
 // for each listing. The shifts move whole 16-bit lanes, so they hold on either byte order.
 constexpr size_t kUnitsPerWord = 4;
@@ -90,16 +78,6 @@ std::u16string NameView::ToU16String() const {
     std::u16string s(size_, u'\0');
     CopyTo(s.data());
     return s;
-}
-
-int NameView::CompareMixed(NameView a, NameView b) {
-    if (a.isNarrow_) {
-        return CompareUnits(a.Narrow(), a.size_, b.Wide(), b.size_);
-    }
-    if (b.isNarrow_) {
-        return CompareUnits(a.Wide(), a.size_, b.Narrow(), b.size_);
-    }
-    return CompareUnits(a.Wide(), a.size_, b.Wide(), b.size_);
 }
 
 bool operator==(NameView a, NameView b) {

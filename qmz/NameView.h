@@ -30,28 +30,31 @@ public:
     void CopyTo(char16_t* out) const;
     std::u16string ToU16String() const;
 
-    // Negative, zero or positive as std::u16string_view::compare gives on the units.
+    // Negative, zero or positive as std::u16string_view::compare gives on the units. Inline, as
+    // sorting a folder's children and resolving paths compare names far more than anything else
+    // does, and names mostly differ within a few units.
     static int Compare(NameView a, NameView b) {
-        return a.isNarrow_ && b.isNarrow_ ? CompareNarrow(a, b) : CompareMixed(a, b);
+        if (a.isNarrow_) {
+            return b.isNarrow_ ? CompareUnits(a.Narrow(), a.size_, b.Narrow(), b.size_)
+                               : CompareUnits(a.Narrow(), a.size_, b.Wide(), b.size_);
+        }
+        return b.isNarrow_ ? CompareUnits(a.Wide(), a.size_, b.Narrow(), b.size_)
+                           : CompareUnits(a.Wide(), a.size_, b.Wide(), b.size_);
     }
     friend bool operator==(NameView a, NameView b);
 
 private:
-    // Inline, as sorting a folder's children compares mostly one-byte names, which mostly
-    // differ within a few bytes. Bytes order as the units they stand for.
-    static int CompareNarrow(NameView a, NameView b) {
-        const size_t n = std::min(a.size_, b.size_);
-        const uint8_t* p = a.Narrow();
-        const uint8_t* q = b.Narrow();
+    // A byte orders as the unit it stands for.
+    template <class A, class B>
+    static int CompareUnits(const A* a, size_t na, const B* b, size_t nb) {
+        const size_t n = std::min(na, nb);
         for (size_t i = 0; i < n; ++i) {
-            if (p[i] != q[i]) {
-                return p[i] < q[i] ? -1 : 1;
+            if (char16_t{a[i]} != char16_t{b[i]}) {
+                return char16_t{a[i]} < char16_t{b[i]} ? -1 : 1;
             }
         }
-        return a.size_ < b.size_ ? -1 : (a.size_ > b.size_ ? 1 : 0);
+        return na < nb ? -1 : (na > nb ? 1 : 0);
     }
-    // Either name, or both, in UTF-16.
-    static int CompareMixed(NameView a, NameView b);
     const uint8_t* Narrow() const { return static_cast<const uint8_t*>(data_); }
     const char16_t* Wide() const { return static_cast<const char16_t*>(data_); }
 
